@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "binder/alienbinderconnection.h"
+
+#include "binder/alienbindertransaction.h"
+#include "binder/device.h"
+#include "binder/logging.h"
+#include "runtime/servicecontroller.h"
+
+#include <chrono>
+#include <utility>
+
+using namespace std::chrono_literals;
+
+namespace {
+constexpr auto onDemandLifetime = 5000ms;
+}
+
+void AlienBinderConnection::WatchedRemote::release()
+{
+    if (deathHandlerId)
+        gbinder_remote_object_remove_handler(object.get(), std::exchange(deathHandlerId, 0));
+    object.reset();
+}
+
+AlienBinderConnection::AlienBinderConnection(
+    const char *serviceName, const char *interface, bool persistent, QObject *parent)
+    : QObject(parent), m_serviceName(serviceName), m_interface(interface), m_persistent(persistent)
+{
+    m_timer.setSingleShot(true);
+    m_timer.setInterval(onDemandLifetime);
+    connect(ServiceController::instance(), &ServiceController::serviceStateChanged, this,
+        &AlienBinderConnection::onServiceStateChanged);
+    connect(&m_timer, &QTimer::timeout, this, &AlienBinderConnection::onTimeout);
+    onServiceStateChanged();
+}
+
+AlienBinderConnection::~AlienBinderConnection()
+{
+    qCDebug(binderLog) << "Destroying" << m_serviceName << "connection";
+    disconnectFromService(Manager::Release);
+    m_replacedClients.clear();
+    for (WatchedRemote &remote : m_replacedRemotes)
+        remote.release();
+}
+
+GBinderClient *AlienBinderConnection::client()
+{
+    if (!m_client && m_serviceManager)
+        connectToService();
+    return m_client.get();
+}
+
+AlienBinderTransaction *AlienBinderConnection::transaction(quint32 code, bool oneway)
+{
+    GBinderClient *const link = client();
+    if (!link)
+        return nullptr;
+    auto *const transaction = new AlienBinderTransaction(link, code, oneway, this);
+    connect(this, &AlienBinderConnection::connectionChanged, transaction,
+        &AlienBinderTransaction::onConnectionChanged);
+    return transaction;
+}
+
+void AlienBinderConnection::onServiceStateChanged()
+{
+    const QString state = ServiceController::instance()->serviceState();
+    if (state == QLatin1String("active"))
+        start();
+    else if (state == QLatin1String("deactivating"))
+        disconnectFromService(Manager::Release);
+}
+
+void AlienBinderConnection::onTimeout()
+{
+    qCDebug(binderLog) << "Timing out" << m_serviceName;
+    disconnectFromService(Manager::Keep);
+}
+
+void AlienBinderConnection::onRegistration(
+    GBinderServiceManager *manager, const char *name, void *connection)
+{
+    Q_UNUSED(manager)
+    Q_UNUSED(name)
+    static_cast<AlienBinderConnection *>(connection)->connectToService();
+}
+
+void AlienBinderConnection::onDeath(GBinderRemoteObject *remote, void *connection)
+{
+    Q_UNUSED(remote)
+    auto *const self = static_cast<AlienBinderConnection *>(connection);
+    qCWarning(binderLog) << self->m_serviceName << "died! Trying to reconnect.";
+    self->disconnectFromService(Manager::Keep);
+    self->start();
+}
+
+void AlienBinderConnection::start()
+{
+    if (!m_serviceManager)
+        m_serviceManager.reset(gbinder_servicemanager_new(runtimeBinderDevice));
+    if (!m_serviceManager) {
+        qCCritical(binderLog) << "Could not get service manager for" << m_serviceName;
+        disconnectFromService(Manager::Keep);
+        return;
+    }
+    if (m_registrationHandlerId || !m_persistent)
+        return;
+
+    qCDebug(binderLog) << "Connecting to Alien service:" << m_serviceName;
+    m_registrationHandlerId = gbinder_servicemanager_add_registration_handler(
+        m_serviceManager.get(), m_serviceName, &AlienBinderConnection::onRegistration, this);
+    connectToService();
+}
+
+void AlienBinderConnection::connectToService()
+{
+    GBinderRemoteObject *const found =
+        gbinder_servicemanager_get_service_sync(m_serviceManager.get(), m_serviceName, nullptr);
+    if (m_remote.object)
+        m_replacedRemotes.push_back(std::exchange(m_remote, {}));
+    if (!found) {
+        qCDebug(binderLog) << "Could not find remote object for" << m_serviceName;
+        return;
+    }
+    m_remote.object.reset(gbinder_remote_object_ref(found));
+    qCDebug(binderLog) << "Connected to Alien Service" << m_serviceName;
+    m_remote.deathHandlerId =
+        gbinder_remote_object_add_death_handler(found, &AlienBinderConnection::onDeath, this);
+
+    if (m_client)
+        m_replacedClients.push_back(std::move(m_client));
+    m_client.reset(gbinder_client_new(found, m_interface));
+    if (!m_client) {
+        qCDebug(binderLog) << "Could not create client for" << m_serviceName;
+        disconnectFromService(Manager::Keep);
+        return;
+    }
+
+    removeRegistrationHandler();
+    if (!m_persistent)
+        m_timer.start();
+    Q_EMIT connectionChanged(true);
+}
+
+void AlienBinderConnection::disconnectFromService(Manager manager)
+{
+    m_timer.stop();
+    m_client.reset();
+    Q_EMIT connectionChanged(false);
+    if (m_remote.object)
+        m_remote.release();
+    removeRegistrationHandler();
+    if (manager == Manager::Release)
+        m_serviceManager.reset();
+}
+
+void AlienBinderConnection::removeRegistrationHandler()
+{
+    if (m_registrationHandlerId)
+        gbinder_servicemanager_remove_handler(
+            m_serviceManager.get(), std::exchange(m_registrationHandlerId, 0));
+}
