@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "config/apkconfig.h"
+#include "launcher/apklauncher.h"
+
+#include <QList>
+#include <QMap>
+#include <QObject>
+#include <QStringList>
+
+class DesktopEntry;
+
+/// Keeps the session's application list in step with the launchers that the Android runtime
+/// announces: for each a desktop entry, an icon and a settings entry. The files are the only
+/// lasting record, and every question is answered by reading them again. File operations that
+/// fail are logged as warnings; the work goes on with the next step.
+class DesktopManager : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Reads the blacklist, once, from /etc/lumd/app-blacklist and from the file that the
+    /// environment variable LUMD_PACKAGE_BLACKLIST_PATH names: one package a line.
+    explicit DesktopManager(const ApkConfig &config);
+
+    /// Where the desktop entry of @p launcher lies, whether it exists or not.
+    QString desktopFilePath(const ApkLauncher &launcher) const;
+
+    /// The generated desktop entries on disk: package name to paths.
+    QMap<QString, QStringList> installedLaunchers() const;
+    /// The paths of all generated desktop entries.
+    QStringList desktopFiles() const;
+    /// The packages that have a generated desktop entry.
+    QStringList packages() const;
+
+    /// The package that the desktop entry @p path belongs to, or @p path unchanged when it is
+    /// not one of the generated entries.
+    QString packageForDesktopFile(const QString &path) const;
+    /// The name shown for @p package, or @p package itself when it has no desktop entry.
+    QString appName(const QString &package) const;
+
+    /// Removes the desktop entry @p desktopPath with its icon and its settings entry.
+    void deleteLauncher(const QString &desktopPath);
+
+Q_SIGNALS:
+    /// A launcher that had no desktop entry. Emitted before the entry is on disk.
+    void newApplicationInstalled(const ApkLauncher &launcher);
+
+public Q_SLOTS:
+    void onCreateLauncher(const ApkLauncher &launcher);
+    void onRemovePackage(const QString &package);
+    /// Removes every generated entry that was not announced since the process started.
+    void onLaunchersComplete();
+
+private:
+    void readBlacklist(const QString &path);
+    void track(const ApkLauncher &launcher);
+    void fillEntry(DesktopEntry &entry, const ApkLauncher &launcher) const;
+
+    QStringList m_blacklist;
+    QList<ApkLauncher> m_launchers;
+    const ApkConfig m_config;
+};
