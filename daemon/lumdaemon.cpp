@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "daemon/lumdaemon.h"
+
+#include "clients/appsizeinfo.h"
+#include "config/apkconfig.h"
+#include "daemon/logging.h"
+#include "daemon/lumdaemonadaptor.h"
+#include "runtime/servicecontroller.h"
+
+#include <QDBusConnection>
+#include <QDir>
+#include <QFile>
+
+#include <cstdlib>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr char objectPath[] = "/com/tovra/lumd";
+constexpr char busName[] = "com.tovra.lumd";
+
+void removeStaleFiles(const QDir &dir)
+{
+    const QStringList names = dir.entryList(QDir::Files, QDir::NoSort);
+    for (const QString &name : names) {
+        const QString path = dir.filePath(name);
+        qCDebug(daemonLog) << "Removing old incoming file:" << path;
+        if (!QFile::remove(path))
+            qCDebug(daemonLog) << "Could not remove file::" << path;
+    }
+}
+
+} // namespace
+
+LumDaemon::LumDaemon(ApkConfig *config)
+    : m_desktopManager(*config),
+      m_serviceController(ServiceController::instance()),
+      m_config(config)
+{
+    AppSizeInfo::registerMetaType();
+    connectMembers();
+    prepareFolders();
+    claimBus();
+    new LumDaemonAdaptor(this);
+}
+
+void LumDaemon::connectMembers()
+{
+    connect(&m_apkManager, &ApkManager::addLauncher, &m_desktopManager,
+        &DesktopManager::onCreateLauncher);
+    connect(&m_apkManager, &ApkManager::packageRemoved, &m_desktopManager,
+        &DesktopManager::onRemovePackage);
+    connect(&m_apkManager, &ApkManager::launchersComplete, &m_desktopManager,
+        &DesktopManager::onLaunchersComplete);
+}
+
+void LumDaemon::prepareFolders()
+{
+    QDir(m_config->path(PackagedDir)).mkpath(QStringLiteral("."));
+    removeStaleFiles(incomingDir());
+}
+
+void LumDaemon::claimBus()
+{
+    QDBusConnection bus = QDBusConnection::systemBus();
+    if (!bus.registerObject(QLatin1String(objectPath), this, QDBusConnection::ExportAdaptors)) {
+        qCCritical(daemonLog) << "Cannot register object at " << objectPath;
+        std::exit(EXIT_FAILURE);
+    }
+    if (!bus.registerService(QLatin1String(busName))) {
+        qCCritical(daemonLog) << "Cannot register D-Bus service at" << busName;
+        std::exit(EXIT_FAILURE);
+    }
+}
+
+QDir LumDaemon::incomingDir()
+{
+    QDir dir(m_config->path(IncomingDir));
+    if (!dir.exists() && !dir.mkpath(QStringLiteral(".")))
+        qCWarning(daemonLog) << "Cannot create incoming apk directory:" << dir.path();
+
+    const QByteArray path = dir.filePath(QStringLiteral(".")).toLocal8Bit();
+    if (chown(path.constData(), 0, 0) != 0)
+        qCWarning(daemonLog) << "Cannot set ownership of directory:" << dir.path();
+    constexpr mode_t mode = S_IRWXU | S_IRGRP | S_IXGRP | S_IROTH | S_IXOTH;
+    if (chmod(path.constData(), mode) != 0)
+        qCWarning(daemonLog) << "Cannot set permission of directory:" << dir.path();
+    return dir;
+}
+
+void LumDaemon::controlService(bool start)
+{
+    m_serviceController->controlService(start);
+}
+
+void LumDaemon::controlServiceAutostart(bool enable)
+{
+    m_serviceController->controlAutostart(enable);
+}

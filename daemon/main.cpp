@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "config/apkconfig.h"
+#include "daemon/lumdaemon.h"
+#include "daemon/seat.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+#include <QTranslator>
+
+#include <cstdio>
+
+#include <unistd.h>
+
+namespace {
+
+enum ExitCode { NotRoot = 2, NoSeatMonitor = 3 };
+
+constexpr char translations[] = "/usr/share/translations";
+
+QString userBusAddress(uid_t uid)
+{
+    return QStringLiteral("unix:path=/run/user/%1/dbus/user_bus_socket").arg(uid);
+}
+
+void installEngineeringEnglish(QTranslator &translator)
+{
+    translator.load(
+        QStringLiteral("lumd_eng_en"), QLatin1String(translations), QString(), QString());
+    QCoreApplication::installTranslator(&translator);
+}
+
+void installLocale(QTranslator &translator)
+{
+    translator.load(QLocale(), QStringLiteral("lumd"), QStringLiteral("-"),
+        QLatin1String(translations), QString());
+    QCoreApplication::installTranslator(&translator);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    if (getuid() != 0) {
+        std::fprintf(stderr, "%s: Not running as root, exiting.\n", argv[0]);
+        return NotRoot;
+    }
+
+    const std::optional<uid_t> uid = waitForActiveSeat();
+    if (!uid)
+        return NoSeatMonitor;
+
+    // Before anything can open the session bus.
+    const QString busAddress = userBusAddress(*uid);
+    const QByteArray busAddressBytes = busAddress.toUtf8();
+    setenv("DBUS_SESSION_BUS_ADDRESS", busAddressBytes.constData(), 1);
+
+    QCoreApplication application(argc, argv);
+
+    // The translator installed last is asked first: the user's language wins.
+    QTranslator engineeringEnglish;
+    installEngineeringEnglish(engineeringEnglish);
+    QTranslator locale;
+    installLocale(locale);
+
+    ApkConfig config;
+    LumDaemon daemon(&config);
+    return QCoreApplication::exec();
+}
