@@ -142,7 +142,7 @@ QByteArray AlienBinderParcel::readByteArray()
         return {};
     gsize size = 0;
     const void *bytes = gbinder_reader_read_byte_array(m_reader, &size);
-    const QByteArray value(static_cast<const char *>(bytes), static_cast<int>(size));
+    QByteArray value(static_cast<const char *>(bytes), static_cast<int>(size));
     qCDebug(parcelLog) << "ByteArray size read: " << value.size();
     return value;
 }

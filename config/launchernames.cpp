@@ -9,17 +9,26 @@
 
 namespace {
 
-// Underscores first: the other way round those made from dots would be doubled.
-QString escaped(QString name)
+// Doubles underscores and turns dots into single ones.
+QString escaped(const QString &name)
 {
-    return name.replace(QLatin1String("_"), QLatin1String("__"))
-        .replace(QLatin1String("."), QLatin1String("_"));
+    QString result(2 * name.size(), Qt::Uninitialized);
+    QChar *end = result.data();
+    for (const QChar character : name) {
+        if (character == QLatin1Char('_'))
+            *end++ = character;
+        *end++ = character == QLatin1Char('.') ? QLatin1Char('_') : character;
+    }
+    result.truncate(static_cast<int>(end - result.constData()));
+    return result;
 }
 
 QString unversionedApkName(const QString &apkPath)
 {
-    return QFileInfo(apkPath).fileName().replace(
-        QRegExp(QStringLiteral("-\\d+\\.apk")), QStringLiteral(".apk"));
+    QString name = QFileInfo(apkPath).fileName();
+    if (name.contains(QLatin1Char('-')))
+        name.replace(QRegExp(QStringLiteral("-\\d+\\.apk")), QStringLiteral(".apk"));
+    return name;
 }
 
 } // namespace

@@ -50,7 +50,7 @@ QVariantMap unitProperties(const QString &unitPath)
 
 ServiceController *ServiceController::instance()
 {
-    static ServiceController *const controller = new ServiceController;
+    static auto *const controller = new ServiceController;
     return controller;
 }
 
@@ -78,7 +78,7 @@ ServiceController::ServiceController()
     m_serviceState = properties.value(QLatin1String(activeState)).toString();
     logState(properties);
     m_serviceEnabled = isEnabled(properties);
-    Q_EMIT serviceStateChanged();
+    Q_EMIT serviceStateChanged(); // clazy:exclude=incorrect-emit
 }
 
 void ServiceController::controlService(bool start)
