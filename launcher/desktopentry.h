@@ -18,16 +18,21 @@ public:
 
     Q_DISABLE_COPY_MOVE(DesktopEntry)
 
+    /// Whether the file could be read when the entry was made.
+    bool wasRead() const { return m_wasRead; }
+
     /// The value of @p key. A null string, with a warning, when the entry lacks it.
     QString value(const QString &key) const;
+    /// The same for the entry in the file @p fileName, without making an object of the rest.
+    static QString readValue(const QString &fileName, const QString &key);
     void setValue(const QString &key, const QString &value);
     void remove(const QString &key);
 
 private:
-    void load();
     void save() const;
 
     const QString m_fileName;
     QMap<QString, QString> m_values;
     bool m_dirty = false;
+    bool m_wasRead = false;
 };

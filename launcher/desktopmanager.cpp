@@ -10,8 +10,14 @@
 
 #include <QDir>
 #include <QFile>
+#include <QSet>
+#include <QStringBuilder>
 
 namespace {
+
+// The names of generated desktop entries, around that of the launcher.
+constexpr char entryPrefix[] = "lumd_launcher_";
+constexpr char entrySuffix[] = ".desktop";
 
 constexpr char fixedBlacklist[] = "/etc/lumd/app-blacklist";
 
@@ -21,21 +27,15 @@ constexpr char nameKey[] = "Name";
 constexpr char noDisplayKey[] = "NoDisplay";
 constexpr char packageNameKey[] = "X-lumd-packageName";
 
-QDir applicationsDir()
-{
-    return QDir(QLatin1String(Paths::applications));
-}
-
 QString generatedFileName(const QString &launcherName)
 {
-    return QStringLiteral("%1%2%3").arg(
-        QStringLiteral("lumd_launcher_"), launcherName, QStringLiteral(".desktop"));
+    return QLatin1String(entryPrefix) % launcherName % QLatin1String(entrySuffix);
 }
 
 bool isPartnerSpacePackage(const QString &packageName)
 {
     return unversionedApkExists(
-        QDir(QLatin1String(Paths::partnerSpace)), QStringLiteral("%1.apk").arg(packageName));
+        QDir(QLatin1String(Paths::partnerSpace)), packageName + QLatin1String(".apk"));
 }
 
 void writeIcon(const QString &iconPath, const QByteArray &icon)
@@ -74,18 +74,20 @@ void DesktopManager::readBlacklist(const QString &path)
 
 QString DesktopManager::desktopFilePath(const ApkLauncher &launcher) const
 {
-    return applicationsDir().filePath(
-        generatedFileName(escapeLauncherName(launcher.packageName, launcher.className)));
+    return QLatin1String(Paths::applications)
+        + generatedFileName(escapeLauncherName(launcher.packageName, launcher.className));
 }
 
 QMap<QString, QStringList> DesktopManager::installedLaunchers() const
 {
     QMap<QString, QStringList> installed;
-    const QDir dir = applicationsDir();
-    const QStringList names = dir.entryList({generatedFileName(QStringLiteral("*"))});
+    const QString folder = QLatin1String(Paths::applications);
+    const QStringList names =
+        listFiles(folder, QLatin1String(entryPrefix), QLatin1String(entrySuffix));
     for (const QString &name : names) {
-        const QString path = dir.filePath(name);
-        installed[DesktopEntry(path).value(QLatin1String(packageNameKey))].append(path);
+        const QString path = folder + name;
+        const QString package = DesktopEntry::readValue(path, QLatin1String(packageNameKey));
+        installed[package].append(path);
     }
     return installed;
 }
@@ -127,7 +129,8 @@ QString DesktopManager::appName(const QString &package) const
 void DesktopManager::onCreateLauncher(const ApkLauncher &launcher)
 {
     const QString desktopPath = desktopFilePath(launcher);
-    const bool isNew = !QFile::exists(desktopPath);
+    DesktopEntry entry(desktopPath);
+    const bool isNew = !entry.wasRead() && !QFile::exists(desktopPath);
     qCDebug(launcherLog) << "onCreateLauncher:" << desktopPath;
     if (launcher.caption.isEmpty()) {
         qCWarning(launcherLog) << "Not creating launcher for " << desktopPath
@@ -136,7 +139,6 @@ void DesktopManager::onCreateLauncher(const ApkLauncher &launcher)
     }
     track(launcher);
 
-    DesktopEntry entry(desktopPath);
     fillEntry(entry, launcher);
 
     const QString iconPath = iconPathFor(desktopPath);
@@ -157,7 +159,8 @@ void DesktopManager::onCreateLauncher(const ApkLauncher &launcher)
 
 void DesktopManager::track(const ApkLauncher &launcher)
 {
-    m_launchers.removeAll(launcher);
+    // One at the most: every record has come in here.
+    m_launchers.removeOne(launcher);
     m_launchers.append(launcher);
 }
 
@@ -171,13 +174,13 @@ void DesktopManager::fillEntry(DesktopEntry &entry, const ApkLauncher &launcher)
     else
         entry.remove(QLatin1String(noDisplayKey));
     entry.setValue(QStringLiteral("X-lumd-apkfile"),
-        QStringLiteral("%1/%2.apk").arg(m_config.path(AppDir), launcher.packageName));
+        m_config.path(AppDir) % QLatin1Char('/') % launcher.packageName % QLatin1String(".apk"));
     entry.setValue(QLatin1String(packageNameKey), launcher.packageName);
     entry.remove(QStringLiteral("X-Tesk-Single-Instance"));
     entry.setValue(QStringLiteral("X-Tesk-Application-Type"), QStringLiteral("no-invoker"));
     entry.setValue(QStringLiteral("Exec"),
-        QStringLiteral("%1 %2.apk %2/%3")
-            .arg(QStringLiteral("lumd-launcher"), launcher.packageName, launcher.className));
+        QLatin1String("lumd-launcher ") % launcher.packageName % QLatin1String(".apk ")
+            % launcher.packageName % QLatin1Char('/') % launcher.className);
 }
 
 void DesktopManager::onRemovePackage(const QString &package)
@@ -202,9 +205,9 @@ void DesktopManager::onRemovePackage(const QString &package)
 
 void DesktopManager::onLaunchersComplete()
 {
-    QStringList expected;
+    QSet<QString> expected;
     for (const ApkLauncher &launcher : qAsConst(m_launchers))
-        expected.append(desktopFilePath(launcher));
+        expected.insert(desktopFilePath(launcher));
 
     const QMap<QString, QStringList> installed = installedLaunchers();
     for (const QStringList &paths : installed) {

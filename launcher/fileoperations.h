@@ -3,6 +3,19 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
+
+#include <optional>
+
+/// The contents of the file at @p path, by the fewest system calls. Nothing when it cannot be
+/// read.
+std::optional<QByteArray> readFile(const QString &path);
+
+/// The names in @p folder that begin with @p prefix and end with @p suffix, all without regard
+/// to case: what QDir::entryList() gives for that pattern, without its file information and
+/// regular expression for each name. Sorted by the lower-case name; dangling links, devices
+/// and names that are not text are left out.
+QStringList listFiles(const QString &folder, const QString &prefix, const QString &suffix);
 
 /// Whether the file at @p path holds anything but @p bytes. True when it cannot be read.
 bool fileDiffers(const QString &path, const QByteArray &bytes);

@@ -8,31 +8,59 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
+
+#include <algorithm>
 
 namespace {
 
-constexpr char pageSource[] =
-    "/usr/share/tovra-settings/pages/apk-configuration/apkConfigurationPage.qml";
+bool needsEscapes(const QString &text)
+{
+    return std::any_of(text.begin(), text.end(), [](QChar character) {
+        return character < QLatin1Char(' ') || character > QLatin1Char('~')
+            || character == QLatin1Char('"') || character == QLatin1Char('\\');
+    });
+}
 
-QJsonDocument settingsDocument(
+void appendString(QByteArray &json, const QString &text)
+{
+    if (needsEscapes(text)) {
+        const QByteArray array = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
+        json.append(array.constData() + 1, array.size() - 2);
+    } else {
+        json.append('"').append(text.toLatin1()).append('"');
+    }
+}
+
+// The same bytes as QJsonDocument::toJson makes of the whole document, which takes it longer
+// than reading the file that they are compared with.
+QByteArray settingsDocument(
     const QString &desktopPath, const QString &packageName, const QString &packageVersion)
 {
-    const QJsonObject properties{
-        {QStringLiteral("packageName"), packageName},
-        {QStringLiteral("packageVersion"), packageVersion},
-    };
-    const QJsonObject params{
-        {QStringLiteral("properties"), properties},
-        {QStringLiteral("source"), QLatin1String(pageSource)},
-    };
-    const QJsonObject entry{
-        {QStringLiteral("params"), params},
-        {QStringLiteral("path"),
-            QString(QLatin1String("applications/") + QFileInfo(desktopPath).fileName())},
-        {QStringLiteral("type"), QStringLiteral("page")},
-    };
-    return QJsonDocument(QJsonObject{{QStringLiteral("entries"), QJsonArray{entry}}});
+    QByteArray json;
+    json.reserve(1024);
+    json += R"({
+    "entries": [
+        {
+            "params": {
+                "properties": {
+                    "packageName": )";
+    appendString(json, packageName);
+    json += R"(,
+                    "packageVersion": )";
+    appendString(json, packageVersion);
+    json += R"(
+                },
+                "source": "/usr/share/tovra-settings/pages/apk-configuration/apkConfigurationPage.qml"
+            },
+            "path": )";
+    appendString(json, QLatin1String("applications/") + QFileInfo(desktopPath).fileName());
+    json += R"(,
+            "type": "page"
+        }
+    ]
+}
+)";
+    return json;
 }
 
 } // namespace
@@ -41,7 +69,7 @@ void writeSettingsEntry(
     const QString &desktopPath, const QString &packageName, const QString &packageVersion)
 {
     const QString path = settingsEntryPathFor(desktopPath);
-    const QByteArray document = settingsDocument(desktopPath, packageName, packageVersion).toJson();
+    const QByteArray document = settingsDocument(desktopPath, packageName, packageVersion);
     if (fileDiffers(path, document) && !writeFile(path, document))
         qCWarning(launcherLog) << "Unable to write json file" << path << "for writing";
 }
