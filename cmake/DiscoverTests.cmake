@@ -1,0 +1,27 @@
+# SPDX-License-Identifier: BSD-3-Clause
+# Writes the CTest entries of one test executable; run after it was built.
+#
+# TEST_EXECUTABLE  the executable
+# TEST_NAME        what the names of the entries begin with
+# ENTRIES          the file to write
+set(time_limit 60)
+
+execute_process(
+    COMMAND ${TEST_EXECUTABLE} -functions
+    OUTPUT_VARIABLE output
+    RESULT_VARIABLE result)
+if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${TEST_EXECUTABLE} -functions: ${result}")
+endif()
+string(REGEX MATCHALL "[A-Za-z_][A-Za-z0-9_]*\\(\\)" functions "${output}")
+if(NOT functions)
+    message(FATAL_ERROR "${TEST_EXECUTABLE} has no test function")
+endif()
+set(text "")
+foreach(function IN LISTS functions)
+    string(REPLACE "()" "" function "${function}")
+    string(APPEND text
+        "add_test([=[${TEST_NAME}.${function}]=] [=[${TEST_EXECUTABLE}]=] [=[${function}]=])\n"
+        "set_tests_properties([=[${TEST_NAME}.${function}]=] PROPERTIES TIMEOUT ${time_limit})\n")
+endforeach()
+file(WRITE ${ENTRIES} "${text}")

@@ -1,0 +1,36 @@
+# SPDX-License-Identifier: BSD-3-Clause
+# Every test function is a CTest entry of its own, so that each has its own process, its
+# own time limit and its own line in the summary.
+set(LUM_DISCOVER_TESTS ${CMAKE_CURRENT_LIST_DIR}/DiscoverTests.cmake)
+
+# lum_add_test(<name> [USES_DAEMON] SOURCES <file>... LINKS <target>...)
+#
+# A Qt Test executable against the fake libgbinder. Its functions are found when it was
+# built, as the entries "<name>.<function>". USES_DAEMON: it starts lumd (DaemonProcess).
+function(lum_add_test name)
+    cmake_parse_arguments(ARG "USES_DAEMON" "" "SOURCES;LINKS" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    set_target_properties(${name} PROPERTIES GBINDER_LIBRARY fakegbinder)
+    if(ARG_USES_DAEMON)
+        add_dependencies(${name} lumd)
+    endif()
+    target_link_libraries(${name} PRIVATE ${ARG_LINKS} lum_test_support lum_rules)
+    set(entries ${CMAKE_CURRENT_BINARY_DIR}/${name}_entries.cmake)
+    set(include_file ${CMAKE_CURRENT_BINARY_DIR}/${name}_include.cmake)
+    add_custom_command(TARGET ${name} POST_BUILD
+        COMMAND ${CMAKE_COMMAND}
+            -D TEST_EXECUTABLE=$<TARGET_FILE:${name}>
+            -D TEST_NAME=${name}
+            -D ENTRIES=${entries}
+            -P ${LUM_DISCOVER_TESTS}
+        BYPRODUCTS ${entries}
+        VERBATIM)
+    # An executable that was not built must show as a failure, not as a shorter list.
+    file(WRITE ${include_file}
+        "if(EXISTS \"${entries}\")\n"
+        "    include(\"${entries}\")\n"
+        "else()\n"
+        "    add_test(${name}_NOT_BUILT ${name}_NOT_BUILT)\n"
+        "endif()\n")
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${include_file})
+endfunction()

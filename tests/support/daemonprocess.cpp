@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "tests/support/daemonprocess.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusServiceWatcher>
+#include <QEventLoop>
+#include <QTimer>
+#include <QtTest>
+
+#include <cstdio>
+
+DaemonProcess::DaemonProcess()
+{
+    m_environment = {
+        {QStringLiteral("PATH"), QStringLiteral("/usr/sbin:/usr/bin:/sbin:/bin")},
+        {QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8")},
+        {QStringLiteral("LD_LIBRARY_PATH"), QStringLiteral(FAKE_GBINDER_FOLDER)},
+        {QStringLiteral("QT_LOGGING_RULES"), QStringLiteral("com.tovra.lumd.*=true")},
+        {QStringLiteral("QT_MESSAGE_PATTERN"), QStringLiteral("%{type} %{category} %{message}")},
+        {QStringLiteral("QT_LOGGING_TO_CONSOLE"), QStringLiteral("1")},
+    };
+    for (const char *name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS"}) {
+        if (qEnvironmentVariableIsSet(name))
+            m_environment.insert(QString::fromLatin1(name), qEnvironmentVariable(name));
+    }
+}
+
+DaemonProcess::~DaemonProcess()
+{
+    m_process.kill();
+    if (!QTest::currentTestFailed())
+        return;
+    for (const QString &line : m_process.lines())
+        fprintf(stderr, "lumd: %s\n", qPrintable(line));
+}
+
+void DaemonProcess::setEnvironment(const QString &name, const QString &value)
+{
+    m_environment.insert(name, value);
+}
+
+void DaemonProcess::setBinderSocket(const QString &socketPath)
+{
+    setEnvironment(QStringLiteral("FAKE_GBINDER_SOCKET"), socketPath);
+}
+
+void DaemonProcess::setLoggingRules(const QString &rules)
+{
+    setEnvironment(QStringLiteral("QT_LOGGING_RULES"), rules);
+}
+
+void DaemonProcess::start()
+{
+    m_process.start(QStringLiteral(LUMD_PROGRAM), {}, m_environment, ChildProcess::Collect::Errors);
+}
+
+int DaemonProcess::processId() const
+{
+    return m_process.processId();
+}
+
+bool DaemonProcess::isRunning() const
+{
+    return m_process.isRunning();
+}
+
+void DaemonProcess::signal(int number)
+{
+    m_process.signal(number);
+}
+
+void DaemonProcess::kill()
+{
+    m_process.kill();
+}
+
+QStringList DaemonProcess::lines() const
+{
+    return m_process.lines();
+}
+
+void DaemonProcess::clearLines()
+{
+    m_process.clearLines();
+}
+
+bool DaemonProcess::waitForLine(const QString &line, int deadline)
+{
+    return m_process.waitForLine(line, deadline);
+}
+
+bool DaemonProcess::waitForBusName(const QString &name, int deadline)
+{
+    QDBusConnection bus = QDBusConnection::systemBus();
+    QDBusServiceWatcher watcher(name, bus, QDBusServiceWatcher::WatchForRegistration);
+    QEventLoop loop;
+    QObject::connect(&watcher, &QDBusServiceWatcher::serviceRegistered, &loop, &QEventLoop::quit);
+    QTimer::singleShot(deadline, &loop, &QEventLoop::quit);
+    // Tells of the daemon's end, of which the bus says nothing.
+    QTimer ended;
+    QObject::connect(&ended, &QTimer::timeout, &loop, [this, &loop] {
+        if (!isRunning())
+            loop.quit();
+    });
+    ended.start(100);
+    const auto isOwned = [&bus, &name] {
+        return bus.interface()->isServiceRegistered(name).value();
+    };
+    if (!isOwned())
+        loop.exec();
+    return isOwned();
+}
+
+bool DaemonProcess::waitForExit(int deadline)
+{
+    return m_process.waitForExit(deadline);
+}
+
+int DaemonProcess::exitCode() const
+{
+    return m_process.exitCode();
+}

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "tests/support/testmain.h"
+
+#include "tests/support/testnamespace.h"
+
+#include <QCoreApplication>
+#include <QMetaMethod>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+/// What QTest takes for a test function.
+std::vector<QByteArray> testFunctions(const QMetaObject &metaObject)
+{
+    std::vector<QByteArray> names;
+    for (int i = 0; i < metaObject.methodCount(); ++i) {
+        const QMetaMethod method = metaObject.method(i);
+        const QByteArray name = method.name();
+        if (method.methodType() == QMetaMethod::Slot && method.access() == QMetaMethod::Private
+            && method.parameterCount() == 0 && method.returnType() == QMetaType::Void
+            && !name.endsWith("_data") && name != "initTestCase" && name != "cleanupTestCase"
+            && name != "init" && name != "cleanup")
+            names.push_back(name);
+    }
+    return names;
+}
+
+bool namesFunction(const std::vector<QByteArray> &functions, const char *argument)
+{
+    const QByteArray text(argument);
+    const QByteArray name = text.left(text.indexOf(':') < 0 ? text.size() : text.indexOf(':'));
+    return std::find(functions.cbegin(), functions.cend(), name) != functions.cend();
+}
+
+/// Asks for something that runs no test: "-functions", "-help" and their like.
+bool asksForInformation(const char *argument)
+{
+    const QByteArray text(argument);
+    return text == "-functions" || text == "-datatags" || text == "-help" || text == "--help"
+        || text == "-h";
+}
+
+int runInProcess(int argc, char **argv, const QByteArray &function)
+{
+    std::vector<char *> arguments(argv, argv + argc);
+    QByteArray name = function;
+    arguments.push_back(name.data());
+    arguments.push_back(nullptr);
+    fflush(nullptr);
+    const pid_t process = fork();
+    if (process == 0) {
+        execv("/proc/self/exe", arguments.data());
+        _exit(127);
+    }
+    int status = -1;
+    return process > 0 && waitpid(process, &status, 0) == process ? status : -1;
+}
+
+int runEach(int argc, char **argv, const std::vector<QByteArray> &functions)
+{
+    int failures = 0;
+    for (const QByteArray &function : functions) {
+        if (runInProcess(argc, argv, function) == 0)
+            continue;
+        ++failures;
+        fprintf(stderr, "FAILED %s\n", function.constData());
+    }
+    printf("%d of %d test functions failed\n", failures, int(functions.size()));
+    return failures == 0 && !functions.empty() ? 0 : 1;
+}
+
+void clearEnvironment()
+{
+    for (const char *name : {"ANDROID_DATA_ROOT", "LUMD_PACKAGE_BLACKLIST_PATH",
+             "DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS", "FAKE_GBINDER_SOCKET",
+             "QT_LOGGING_RULES", "QT_LOGGING_CONF", "QT_LOGGING_DEBUG", "QT_MESSAGE_PATTERN",
+             "QT_NO_GLIB", "XDG_RUNTIME_DIR", "LANG", "LANGUAGE"})
+        qunsetenv(name);
+    qputenv("LC_ALL", "C.UTF-8");
+    // No qtlogging.ini of the user's.
+    qputenv("XDG_CONFIG_HOME", "/run/config");
+}
+
+} // namespace
+
+int TestMain::run(int argc, char **argv, const QMetaObject &metaObject, const Factory &factory)
+{
+    const std::vector<QByteArray> functions = testFunctions(metaObject);
+    bool isNamed = false;
+    bool isInformation = false;
+    for (int i = 1; i < argc; ++i) {
+        isNamed = isNamed || namesFunction(functions, argv[i]);
+        isInformation = isInformation || asksForInformation(argv[i]);
+    }
+    // A misspelt name must not run all the rest.
+    if (!isNamed && !isInformation && argc > 1 && argv[argc - 1][0] != '-') {
+        fprintf(stderr, "%s: no such test function\n", argv[argc - 1]);
+        return 1;
+    }
+    if (!isNamed && !isInformation)
+        return runEach(argc, argv, functions);
+    if (!isInformation) {
+        clearEnvironment();
+        TestNamespace::enter();
+    }
+    QCoreApplication application(argc, argv);
+    const std::unique_ptr<QObject> test = factory();
+    return QTest::qExec(test.get(), argc, argv);
+}
