@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "clients/appsizeinfo.h"
+
+#include "tests/support/privatebus.h"
+#include "tests/support/testmain.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusPendingCall>
+#include <QDBusPendingReply>
+
+#include <limits>
+
+namespace {
+
+/// Hands back what it gets.
+class Echo : public QObject
+{
+    Q_OBJECT
+
+public Q_SLOTS:
+    AppSizeInfo echo(const AppSizeInfo &info) { return info; }
+};
+
+} // namespace
+
+class TestAppSizeInfo : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { AppSizeInfo::registerMetaType(); }
+
+    void newValueIsZeroThroughout();
+    void typeIsKnownByItsName();
+    void travelsAsThreeNumbersInTheirOrder_data();
+    void travelsAsThreeNumbersInTheirOrder();
+};
+
+void TestAppSizeInfo::newValueIsZeroThroughout()
+{
+    const AppSizeInfo info;
+    QCOMPARE(info.codeBytes, 0);
+    QCOMPARE(info.dataBytes, 0);
+    QCOMPARE(info.cacheBytes, 0);
+}
+
+void TestAppSizeInfo::typeIsKnownByItsName()
+{
+    QCOMPARE(QMetaType::type("AppSizeInfo"), qMetaTypeId<AppSizeInfo>());
+    QCOMPARE(QByteArray(QDBusMetaType::typeToSignature(qMetaTypeId<AppSizeInfo>())),
+        QByteArray("(xxx)"));
+}
+
+void TestAppSizeInfo::travelsAsThreeNumbersInTheirOrder_data()
+{
+    QTest::addColumn<qint64>("code");
+    QTest::addColumn<qint64>("data");
+    QTest::addColumn<qint64>("cache");
+
+    using Limits = std::numeric_limits<qint64>;
+    QTest::newRow("different") << qint64(1) << qint64(2) << qint64(3);
+    QTest::newRow("zero") << qint64(0) << qint64(0) << qint64(0);
+    QTest::newRow("unknown") << qint64(-1) << qint64(-1) << qint64(-1);
+    QTest::newRow("beyond 32 bits") << Limits::max() << Limits::min() << qint64(0x100000000);
+}
+
+void TestAppSizeInfo::travelsAsThreeNumbersInTheirOrder()
+{
+    QFETCH(qint64, code);
+    QFETCH(qint64, data);
+    QFETCH(qint64, cache);
+
+    const PrivateBus bus(PrivateBus::Kind::System);
+    QDBusConnection server = QDBusConnection::connectToBus(bus.address(), QStringLiteral("server"));
+    const QDBusConnection client =
+        QDBusConnection::connectToBus(bus.address(), QStringLiteral("client"));
+    Echo echo;
+    QVERIFY(server.registerObject(QStringLiteral("/echo"), QStringLiteral("test.Echo"), &echo,
+        QDBusConnection::ExportAllSlots));
+
+    QDBusMessage call = QDBusMessage::createMethodCall(server.baseService(),
+        QStringLiteral("/echo"), QStringLiteral("test.Echo"), QStringLiteral("echo"));
+    call << QVariant::fromValue(AppSizeInfo{code, data, cache});
+    const QDBusPendingReply<AppSizeInfo> reply = client.asyncCall(call);
+    QTRY_VERIFY(reply.isFinished());
+    QVERIFY2(reply.isValid(), qPrintable(reply.error().message()));
+    QCOMPARE(reply.reply().signature(), QStringLiteral("(xxx)"));
+    const AppSizeInfo info = reply.value();
+    QCOMPARE(info.codeBytes, code);
+    QCOMPARE(info.dataBytes, data);
+    QCOMPARE(info.cacheBytes, cache);
+
+    const auto raw = reply.reply().arguments().constFirst().value<QDBusArgument>();
+    qlonglong first = 0;
+    qlonglong second = 0;
+    qlonglong third = 0;
+    raw.beginStructure();
+    raw >> first >> second >> third;
+    QCOMPARE(first, code);
+    QCOMPARE(second, data);
+    QCOMPARE(third, cache);
+    QDBusConnection::disconnectFromBus(QStringLiteral("server"));
+    QDBusConnection::disconnectFromBus(QStringLiteral("client"));
+}
+
+LUM_TEST_MAIN(TestAppSizeInfo)
+#include "tst_appsizeinfo.moc"
