@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "runtime/servicecontroller.h"
+#include "tests/runtime/controllertest.h"
+#include "tests/support/logcapture.h"
+#include "tests/support/testmain.h"
+#include "tests/support/text.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QtTest>
+
+class TestServiceControllerRequests : public ControllerTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void startAndStopAreRefusedWhereTheyMakeNoSense_data();
+    void startAndStopAreRefusedWhereTheyMakeNoSense();
+    void autostartIsNeverRefused_data();
+    void autostartIsNeverRefused();
+    void requestsChangeNothingByThemselves();
+    void failedRequestsPassUnseen();
+    void startedRuntimeShowsInTheState();
+    void requestsDoNotWaitForTheAnswer();
+};
+
+void TestServiceControllerRequests::startAndStopAreRefusedWhereTheyMakeNoSense_data()
+{
+    QTest::addColumn<QString>("state");
+    QTest::addColumn<bool>("start");
+    QTest::addColumn<bool>("stop");
+    const auto row = [](const char *state, bool start, bool stop) {
+        QTest::addRow("state '%s'", state) << QString::fromLatin1(state) << start << stop;
+    };
+    row("active", false, true);
+    row("activating", false, true);
+    row("inactive", true, false);
+    row("deactivating", true, false);
+    row("failed", true, true);
+    row("reloading", true, true);
+    row("maintenance", true, true);
+    row("", true, true);
+    row("Active", true, true);
+    row("INACTIVE", true, true);
+    row("active ", true, true);
+}
+
+void TestServiceControllerRequests::startAndStopAreRefusedWhereTheyMakeNoSense()
+{
+    QFETCH(QString, state);
+    QFETCH(bool, start);
+    QFETCH(bool, stop);
+    ServiceController *const controller = listeningController();
+    m_systemd->setUnitState(state, QStringLiteral("test"));
+    QVERIFY(QTest::qWaitFor([=] { return controller->serviceState() == state; }, 10000));
+    LogCapture log;
+
+    m_systemd->clearCalls();
+    controller->controlService(true);
+    QCOMPARE(
+        requests(), start ? texts({"StartUnit(aliendalvik.service, replace)"}) : QStringList());
+
+    m_systemd->clearCalls();
+    controller->controlService(false);
+    QCOMPARE(requests(), stop ? texts({"StopUnit(aliendalvik.service, replace)"}) : QStringList());
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void TestServiceControllerRequests::autostartIsNeverRefused_data()
+{
+    QTest::addColumn<QString>("word");
+    for (const char *word : {"enabled", "disabled", "static", "masked"})
+        QTest::newRow(word) << QString::fromLatin1(word);
+}
+
+void TestServiceControllerRequests::autostartIsNeverRefused()
+{
+    QFETCH(QString, word);
+    ServiceController *const controller = listeningController();
+    m_systemd->setUnitFileState(word);
+    QVERIFY(QTest::qWaitFor(
+        [&] { return controller->serviceEnabled() == (word == QLatin1String("enabled")); }, 10000));
+
+    m_systemd->clearCalls();
+    controller->controlAutostart(true);
+    QCOMPARE(requests(), texts({"EnableUnitFiles([aliendalvik.service], false, true)"}));
+    const QVariantList enable = m_systemd->calls().first().arguments;
+    QCOMPARE(enable.at(0), QVariant(QStringList{QStringLiteral("aliendalvik.service")}));
+    QCOMPARE(enable.at(1), QVariant(false));
+    QCOMPARE(enable.at(2), QVariant(true));
+
+    m_systemd->clearCalls();
+    controller->controlAutostart(false);
+    QCOMPARE(requests(), texts({"DisableUnitFiles([aliendalvik.service], false)"}));
+    const QVariantList disable = m_systemd->calls().first().arguments;
+    QCOMPARE(disable.at(0), QVariant(QStringList{QStringLiteral("aliendalvik.service")}));
+    QCOMPARE(disable.at(1), QVariant(false));
+}
+
+void TestServiceControllerRequests::requestsChangeNothingByThemselves()
+{
+    ServiceController *const controller = listeningController();
+    const QSignalSpy stateSpy(controller, &ServiceController::serviceStateChanged);
+    const QSignalSpy enabledSpy(controller, &ServiceController::serviceEnabledChanged);
+    m_systemd->clearCalls();
+
+    controller->controlService(true);
+    controller->controlService(true);
+    controller->controlAutostart(true);
+
+    QCOMPARE(requests(),
+        texts({"StartUnit(aliendalvik.service, replace)", "StartUnit(aliendalvik.service, replace)",
+            "EnableUnitFiles([aliendalvik.service], false, true)"}));
+    QCOMPARE(controller->serviceState(), QStringLiteral("inactive"));
+    QCOMPARE(controller->serviceEnabled(), false);
+    QCOMPARE(stateSpy.count(), 0);
+    QCOMPARE(enabledSpy.count(), 0);
+}
+
+void TestServiceControllerRequests::failedRequestsPassUnseen()
+{
+    ServiceController *const controller = listeningController();
+    LogCapture log;
+    // With systemd gone from the bus every request fails.
+    m_systemd.reset();
+
+    controller->controlService(true);
+    controller->controlAutostart(true);
+    controller->controlAutostart(false);
+    QDBusMessage last = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+        QStringLiteral("/org/freedesktop/DBus"), QStringLiteral("org.freedesktop.DBus"),
+        QStringLiteral("GetId"));
+    QCOMPARE(QDBusConnection::systemBus().call(last).type(), QDBusMessage::ReplyMessage);
+    QCoreApplication::processEvents();
+
+    QCOMPARE(controller->serviceState(), QStringLiteral("inactive"));
+    QCOMPARE(controller->serviceEnabled(), false);
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void TestServiceControllerRequests::startedRuntimeShowsInTheState()
+{
+    m_systemd->setFollowsRequests(true);
+    ServiceController *const controller = listeningController();
+    QStringList states;
+    connect(controller, &ServiceController::serviceStateChanged, this,
+        [&] { states.append(controller->serviceState()); });
+
+    controller->controlService(true);
+    QVERIFY(QTest::qWaitFor([&] { return states.size() == 2; }, 10000));
+    controller->controlService(false);
+    QVERIFY(QTest::qWaitFor([&] { return states.size() == 4; }, 10000));
+
+    QCOMPARE(states, texts({"activating", "active", "deactivating", "inactive"}));
+    controller->disconnect(this);
+}
+
+void TestServiceControllerRequests::requestsDoNotWaitForTheAnswer()
+{
+    m_systemd->setFollowsRequests(true);
+    ServiceController *const controller = listeningController();
+    m_systemd->clearCalls();
+
+    controller->controlService(true);
+
+    // The answer and the changes come through the event loop, which has not run since.
+    QVERIFY(m_systemd->waitForCall(QStringLiteral("StartUnit")));
+    QCOMPARE(controller->serviceState(), QStringLiteral("inactive"));
+}
+
+LUM_TEST_MAIN(TestServiceControllerRequests)
+#include "tst_servicecontrollerrequests.moc"
