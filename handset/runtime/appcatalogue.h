@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <QJsonObject>
+#include <QMap>
+#include <QString>
+#include <QVector>
+
+/// An app that is installed in the simulated Android. Strings may be null, and are
+/// announced as Android's null then.
+struct AndroidApp
+{
+    struct Launcher
+    {
+        QString className;
+        QString caption;
+        QByteArray icon;
+    };
+    QString package;
+    QString version;
+    QVector<Launcher> launchers;
+
+    /// @param error says what is wrong where the result has an empty package.
+    static AndroidApp fromJson(const QJsonObject &json, const QString &iconFolder, QString *error);
+    /// With the icons inside.
+    QJsonObject toJson() const;
+};
+
+/// The apps that are installed, each a file PACKAGE.json of one folder.
+class AppCatalogue
+{
+public:
+    explicit AppCatalogue(QString folder);
+
+    /// Reads the folder anew. @return what was wrong, a line for each file left out.
+    QStringList load();
+    /// Sorted by package.
+    QList<AndroidApp> apps() const { return m_apps.values(); }
+    bool contains(const QString &package) const { return m_apps.contains(package); }
+    AndroidApp app(const QString &package) const { return m_apps.value(package); }
+    /// @return whether it is on the disk as well.
+    bool add(const AndroidApp &app);
+    bool remove(const QString &package);
+
+private:
+    QString fileOf(const QString &package) const;
+
+    const QString m_folder;
+    QMap<QString, AndroidApp> m_apps;
+};
