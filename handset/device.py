@@ -1,0 +1,249 @@
+# SPDX-License-Identifier: BSD-3-Clause
+"""What a scenario does on a handset, and what it looks at there."""
+
+import base64
+import collections
+import dataclasses
+import io
+import json
+import shlex
+import tarfile
+import time
+
+import payload
+from apps import APPLICATIONS, ICONS, SETTINGS
+from image import HandsetError
+
+LUMD = "lumd.service"
+RUNTIME = "aliendalvik.service"
+BUS_NAME = "com.tovra.lumd"
+OBJECT_PATH = "/com/tovra/lumd"
+RUNTIME_APPS = "/var/lib/alien-runtime/apps"
+RUNTIME_CONFIG = "/etc/alien-runtime.conf"
+BLACKLIST = "/etc/lumd/app-blacklist"
+MARKERS = "/usr/share/lumd/partnerspace"
+
+# The daemon's debug lines are on, so that scenarios see what it saw.
+VERBOSE = "/run/systemd/system/lumd.service.d/verbose.conf"
+VERBOSE_TEXT = "[Service]\nEnvironment=QT_LOGGING_RULES=com.tovra.lumd.*.debug=true\n"
+
+# Longest time that anything on the handset may take to happen.
+PATIENCE = 120
+
+File = collections.namedtuple("File", "data inode changed")
+
+
+@dataclasses.dataclass(frozen=True)
+class Line:
+    """One line of a unit's log; the priority is syslog's number, 7 for debug."""
+
+    priority: int
+    text: str
+
+
+class Device:
+    """A running handset, seen from the outside."""
+
+    def __init__(self, machine):
+        self.machine = machine
+        self.cursor = None
+
+    # Ground state
+
+    def reset(self):
+        """Brings the handset to its ground state: no apps, runtime stopped, lumd started."""
+        files = {VERBOSE: VERBOSE_TEXT, **payload.sdk_files(payload.DEFAULT_SDK)}
+        self.machine.shell(f"""
+            systemctl stop {LUMD} {RUNTIME}
+            systemctl disable --quiet {RUNTIME}
+            systemctl reset-failed
+            rm -rf {APPLICATIONS}/lumd_launcher_* {ICONS}/* {SETTINGS}/* {RUNTIME_APPS}/*
+            rm -rf {RUNTIME_CONFIG} {BLACKLIST} {MARKERS}/*
+            {write_script(files)}
+            systemctl daemon-reload
+            systemctl start getty@tty1.service
+            """, timeout=PATIENCE)
+        self.cursor = self.journal_end()
+        self.start(LUMD)
+
+    def set_sdk(self, level):
+        """Makes the runtime one of another Android level; lumd and the runtime start anew."""
+        self.machine.run("systemctl", "stop", LUMD, RUNTIME)
+        self.write(payload.sdk_files(level))
+        self.start(LUMD)
+        self.start(RUNTIME)
+
+    def write(self, files):
+        """Writes text files: path to text."""
+        self.machine.shell(write_script(files))
+
+    def install(self, *apps):
+        """Makes apps known to the runtime, which announces them when it starts."""
+        self.write({f"{RUNTIME_APPS}/{app.package}.json": app.to_json() for app in apps})
+
+    def forget(self, app):
+        """Takes an app from a runtime that is stopped, so that it is told of to nobody."""
+        self.machine.run("rm", f"{RUNTIME_APPS}/{app.package}.json")
+
+    def configure_runtime(self, **settings):
+        """Writes the runtime's configuration; it is read when the runtime starts."""
+        lines = [f"{key}={value}" for key, value in settings.items()]
+        self.write({RUNTIME_CONFIG: "\n".join(["[runtime]", *lines]) + "\n"})
+
+    # Units
+
+    def start(self, unit):
+        """Starts a unit and waits until it is up."""
+        self.machine.run("systemctl", "start", unit, timeout=PATIENCE)
+
+    def stop(self, unit):
+        """Stops a unit and waits until it is down."""
+        self.machine.run("systemctl", "stop", unit, timeout=PATIENCE)
+
+    def kill(self, unit):
+        """Kills every process of a unit as if it had crashed, and waits until systemd saw it."""
+        self.machine.run("systemctl", "kill", "--signal=SIGKILL", unit)
+        self.wait(lambda: self.state(unit) not in ("active", "activating"),
+                  f"{unit} is down after SIGKILL")
+
+    def state(self, unit):
+        """systemd's ActiveState of the unit."""
+        return self.machine.run("systemctl", "show", "--value", "--property=ActiveState",
+                                unit).strip()
+
+    def wait_state(self, unit, state):
+        """Waits until systemd gives the unit this ActiveState."""
+        self.wait(lambda: self.state(unit) == state, f"{unit} is {state}")
+
+    def end_session(self):
+        """Ends the session of the user on the seat, and waits until none is left there."""
+        self.stop("getty@tty1.service")
+        self.machine.shell("loginctl terminate-seat seat0", check=False)
+        self.wait(lambda: self.machine.shell("grep -q ^ACTIVE= /run/systemd/seats/seat0",
+                                             check=False).returncode != 0,
+                  "no session is left on seat0")
+
+    def owner(self, name=BUS_NAME):
+        """The process that owns a name of the system bus, or None."""
+        result = self.machine.shell(
+            "busctl call org.freedesktop.DBus /org/freedesktop/DBus org.freedesktop.DBus "
+            f"GetConnectionUnixProcessID s {name}", check=False)
+        return int(result.stdout.split()[1]) if result.returncode == 0 else None
+
+    def call(self, method, *arguments, user="root"):
+        """Calls a method of lumd over the bus; gives the CompletedProcess of busctl."""
+        command = ["busctl", "call", BUS_NAME, OBJECT_PATH, BUS_NAME, method, *arguments]
+        if user != "root":
+            command = ["setpriv", f"--reuid={user}", f"--regid={user}", "--init-groups",
+                       *command]
+        return self.machine.shell(shlex.join(command), check=False)
+
+    # The runtime
+
+    def runtime(self, *command, check=True):
+        """Asks the runtime through its control client; gives its answer."""
+        result = self.machine.shell(shlex.join(["alienctl", *command]), check=check,
+                                    timeout=2 * PATIENCE)
+        return json.loads(result.stdout)
+
+    def announce(self, app):
+        """Has the runtime announce an app, also one that it did not know."""
+        path = f"/run/{app.package}.json"
+        self.machine.shell(f"{write_script({path: app.to_json()})}\nalienctl announce {path}")
+
+    def start_runtime(self):
+        """Starts the runtime and waits until it has announced all of its launchers."""
+        self.start(RUNTIME)
+        self.wait_announced()
+
+    def wait_control(self):
+        """Waits until the runtime's control socket answers."""
+        self.wait(lambda: self.machine.shell("alienctl status", check=False).returncode == 0,
+                  "the runtime answers")
+
+    def wait_announced(self, after=0):
+        """Waits for the end of an announcement of all launchers; gives its event number."""
+        answer = self.runtime("wait", "announce", "method=complete", "--after", str(after),
+                              "--timeout", str(PATIENCE))
+        return answer["found"]["seq"]
+
+    # Files
+
+    def files(self):
+        """All files that the daemon made of launchers: path to File."""
+        output = self.machine.shell(f"""
+            cd /
+            list() {{
+                find {APPLICATIONS} -name 'lumd_launcher_*' "$@"
+                find {ICONS} {SETTINGS} -type f "$@"
+            }}
+            list -printf '%p\\t%i\\t%T@\\n'
+            echo
+            list -print0 | tar -cPf - --null --files-from=- | base64 -w 0
+            """).stdout
+        listing, _, archive = output.partition("\n\n")
+        if not listing.strip():
+            return {}
+        contents = {}
+        with tarfile.open(fileobj=io.BytesIO(base64.b64decode(archive))) as tar:
+            for member in tar:
+                contents[member.name] = tar.extractfile(member).read()
+        found = {}
+        for line in listing.splitlines():
+            path, inode, changed = line.split("\t")
+            found[path] = File(contents[path], int(inode), changed)
+        return found
+
+    def validate(self):
+        """Runs desktop-file-validate over all entries; gives the CompletedProcess."""
+        return self.machine.shell(f"desktop-file-validate {APPLICATIONS}/lumd_launcher_*",
+                                  check=False)
+
+    # The log
+
+    def journal_end(self):
+        """A mark at the present end of the journal."""
+        output = self.machine.run("journalctl", "--lines=0", "--show-cursor", "--quiet")
+        return output.partition("cursor: ")[2].strip()
+
+    def log(self, unit=LUMD, priority="debug"):
+        """The lines of a unit's log since the ground state."""
+        output = self.machine.run("journalctl", f"--after-cursor={self.cursor}", "--quiet",
+                                  f"_SYSTEMD_UNIT={unit}", f"--priority={priority}",
+                                  "--output=json", "--output-fields=PRIORITY,MESSAGE")
+        entries = [json.loads(line) for line in output.splitlines()]
+        return [Line(int(entry["PRIORITY"]), entry["MESSAGE"]) for entry in entries]
+
+    def seen_states(self):
+        """The states of the runtime's unit that lumd was told of, in order."""
+        prefix = "Alien Dalvik is "
+        states = []
+        for line in self.log():
+            if line.text.startswith(prefix):
+                state = line.text.removeprefix(prefix).split()[0].strip('"')
+                if states[-1:] != [state]:
+                    states.append(state)
+        return states
+
+    def wait_states(self, *states):
+        """Waits until lumd was told of exactly these states, one after the other."""
+        self.wait(lambda: self.seen_states() == list(states),
+                  f"lumd was told of {states}, not {self.seen_states()}")
+
+    def wait(self, condition, what):
+        """Waits until the condition holds; a condition that never does is an error."""
+        deadline = time.monotonic() + PATIENCE
+        while not condition():
+            if time.monotonic() > deadline:
+                raise HandsetError(f"waited {PATIENCE} s in vain: {what}")
+            time.sleep(0.1)
+
+
+def write_script(files):
+    """A shell script that writes text files: path to text."""
+    lines = []
+    for path, text in files.items():
+        folder = path.rpartition("/")[0]
+        lines.append(f"mkdir -p {shlex.quote(folder)} && "
+                     f"printf %s {shlex.quote(text)} > {shlex.quote(path)}")
+    return "\n".join(lines)

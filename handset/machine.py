@@ -1,0 +1,213 @@
+# SPDX-License-Identifier: BSD-3-Clause
+"""A running handset: the QEMU process, and the way into it by ssh."""
+
+import json
+import os
+import pathlib
+import shlex
+import shutil
+import signal
+import socket
+import subprocess
+import tempfile
+import time
+
+import image as images
+import payload
+from image import HandsetError
+
+RUN = images.CACHE / "run"
+BOOT_TIMEOUT = 300
+
+# What the guest writes on its console when its user is on the seat.
+READY = b"handset: ready"
+
+
+class Machine:
+    """A handset by name. Several may run at once under different names."""
+
+    def __init__(self, name="default"):
+        self.name = name
+        self.record = RUN / f"{name}.json"
+        self.state = {}
+        if self.record.exists():
+            self.state = json.loads(self.record.read_text(encoding="utf-8"))
+
+    @property
+    def folder(self):
+        """The folder of this run: console log, sockets."""
+        return pathlib.Path(self.state["folder"])
+
+    @property
+    def key(self):
+        return self.folder / "id_ed25519"
+
+    @property
+    def console(self):
+        return self.folder / "console.log"
+
+    def running(self):
+        """Whether the QEMU process of this record still lives."""
+        return "pid" in self.state and start_time(self.state["pid"]) == self.state["started"]
+
+    def boot(self, build=None, sdk=payload.DEFAULT_SDK):
+        """Starts the machine and waits until its user is on the seat.
+
+        build is the build folder whose files are installed before systemd
+        starts. Gives the seconds that the start took.
+        """
+        if self.running():
+            raise HandsetError(f"the handset '{self.name}' runs already; stop it first")
+        image = images.build()
+        self.state = {"folder": tempfile.mkdtemp(prefix="lumd-handset-")}
+        try:
+            archive = self.folder / "payload.tar"
+            if build:
+                payload.pack(build, archive, sdk)
+            started = time.monotonic()
+            self.start_qemu(image, archive if build else None)
+            self.connect(started + BOOT_TIMEOUT)
+        except BaseException:
+            self.stop()
+            raise
+        return time.monotonic() - started
+
+    def start_qemu(self, image, archive):
+        # A key of its own: the image may be replaced while the machine runs.
+        shutil.copy(image.key, self.key)
+        host_key = image.host_key.read_text(encoding="utf-8")
+        (self.folder / "known_hosts").write_text(f"handset {host_key}", encoding="utf-8")
+        self.state["port"] = free_port()
+        command = [
+            "qemu-system-x86_64", "-name", f"lumd-handset-{self.name}",
+            "-accel", "tcg,thread=multi", "-cpu", "max,la57=off", "-smp", "2", "-m", "1024",
+            "-kernel", str(image.kernel), "-initrd", str(image.initrd),
+            "-append", "root=/dev/vda rw console=ttyS0 quiet net.ifnames=0 "
+                       "random.trust_cpu=on mitigations=off apparmor=0 audit=0 "
+                       "selinux=0 systemd.show_status=yes TERM=dumb",
+            "-drive", f"file={image.disk},format=raw,if=virtio,snapshot=on",
+            "-netdev", "user,id=net,restrict=on,"
+                       f"hostfwd=tcp:127.0.0.1:{self.state['port']}-:22",
+            "-device", "virtio-net-pci,netdev=net,romfile=", "-device", "virtio-rng-pci",
+            "-display", "none", "-monitor", "none", "-no-reboot",
+            "-serial", f"file:{self.console}",
+        ]
+        if archive:
+            command += ["-drive", f"file={archive},format=raw,if=virtio,readonly=on"]
+        with open(self.folder / "qemu.log", "wb") as log:
+            process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=log,
+                                       stderr=log, start_new_session=True)
+        self.state["pid"] = process.pid
+        self.state["started"] = start_time(process.pid)
+        RUN.mkdir(parents=True, exist_ok=True)
+        self.record.write_text(json.dumps(self.state), encoding="utf-8")
+
+    def connect(self, deadline):
+        """Waits until the handset is ready, and opens the connection that all commands share."""
+        while READY not in self.console_bytes():
+            if not self.running() or time.monotonic() > deadline:
+                raise HandsetError("the handset did not come up:\n" + self.last_words())
+            time.sleep(0.1)
+        subprocess.run([*self.ssh(), "-M", "-N", "-f", "root@handset"], check=True,
+                       stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                       stderr=subprocess.DEVNULL, timeout=60)
+
+    def console_bytes(self):
+        """What the guest has written on its console so far."""
+        return self.console.read_bytes() if self.console.exists() else b""
+
+    def last_words(self):
+        """The end of what QEMU and the guest's console wrote."""
+        words = ""
+        for path in (self.folder / "qemu.log", self.console):
+            if path.exists():
+                words += path.read_text(errors="replace")[-3000:]
+        return words
+
+    def ssh(self):
+        """The ssh command up to the host's name."""
+        options = {
+            "HostName": "127.0.0.1", "Port": self.state["port"],
+            "HostKeyAlias": "handset", "UserKnownHostsFile": self.folder / "known_hosts",
+            "IdentityFile": self.key, "IdentitiesOnly": "yes", "BatchMode": "yes",
+            "ControlPath": self.folder / "ssh", "ConnectTimeout": 60, "LogLevel": "ERROR",
+        }
+        command = ["ssh", "-F", "none"]
+        for key, value in options.items():
+            command += ["-o", f"{key}={value}"]
+        return command
+
+    def demand_running(self):
+        if not self.running():
+            raise HandsetError(f"the handset '{self.name}' does not run")
+
+    def shell(self, script, check=True, timeout=60, **options):
+        """Runs a shell script on the handset; gives the CompletedProcess, output as text."""
+        self.demand_running()
+        if "input" not in options:
+            options["stdin"] = subprocess.DEVNULL
+        result = subprocess.run([*self.ssh(), "root@handset", script], stdout=subprocess.PIPE,
+                                stderr=subprocess.PIPE, text=True, check=False, timeout=timeout,
+                                **options)
+        if check and result.returncode != 0:
+            raise HandsetError(f"on the handset, with status {result.returncode}: {script}\n"
+                               f"{result.stdout}{result.stderr}")
+        return result
+
+    def run(self, *command, **options):
+        """Runs one command on the handset and gives what it wrote to standard output."""
+        return self.shell(shlex.join(command), **options).stdout
+
+    def interact(self, *command):
+        """Hands the terminal over to a command, or to a shell; gives its exit code."""
+        self.demand_running()
+        terminal = ["-t"] if os.isatty(0) else []
+        return subprocess.run([*self.ssh(), *terminal, "root@handset", *command],
+                              check=False).returncode
+
+    def stop(self):
+        """Ends the machine and removes what it left. Harmless when it does not run."""
+        if not self.state:
+            return
+        if (self.folder / "ssh").exists():
+            subprocess.run([*self.ssh(), "-O", "exit", "root@handset"], check=False,
+                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        if self.running():
+            os.kill(self.state["pid"], signal.SIGTERM)
+            deadline = time.monotonic() + 10
+            while self.running() and time.monotonic() < deadline:
+                reap(self.state["pid"])
+                time.sleep(0.05)
+            if self.running():
+                os.kill(self.state["pid"], signal.SIGKILL)
+        shutil.rmtree(self.folder, ignore_errors=True)
+        self.record.unlink(missing_ok=True)
+        self.state = {}
+
+
+def start_time(pid):
+    """When the process started, in the kernel's ticks; None when it has ended.
+
+    A process is known by its number and this time together.
+    """
+    try:
+        text = pathlib.Path(f"/proc/{pid}/stat").read_text(encoding="utf-8")
+    except OSError:
+        return None
+    fields = text.rpartition(")")[2].split()
+    return None if fields[0] == "Z" else int(fields[19])
+
+
+def reap(pid):
+    """Collects the ended process, when it is a child of this one."""
+    try:
+        os.waitpid(pid, os.WNOHANG)
+    except ChildProcessError:
+        pass
+
+
+def free_port():
+    """A TCP port of the loopback address that nobody listens on."""
+    with socket.socket() as probe:
+        probe.bind(("127.0.0.1", 0))
+        return probe.getsockname()[1]

@@ -1,0 +1,89 @@
+# SPDX-License-Identifier: BSD-3-Clause
+"""The runtime's unit as systemd passes through its states, and lumd beside it."""
+
+import apps
+import device
+from scenario import Scenario
+
+
+class Runtime(Scenario):
+    def registered(self):
+        """Whether alien.launcher is registered with the runtime's service manager."""
+        return "alien.launcher" in self.device.runtime("status")["services"]
+
+    def test_aStartAndAStopAreSeenStateByState(self):
+        self.device.configure_runtime(readyDelay=500, stopDelay=500)
+        self.device.start_runtime()
+        self.device.stop(device.RUNTIME)
+        self.device.wait_states("inactive", "activating", "active", "deactivating", "inactive")
+
+    def test_theLauncherServiceIsThereWhileTheRuntimeIsStillActivating(self):
+        self.device.configure_runtime(readyDelay=15000)
+        self.device.install(apps.MAPS)
+        self.device.machine.run("systemctl", "start", "--no-block", device.RUNTIME)
+        self.device.wait_control()
+        self.device.wait_announced()
+        self.assertEqual(self.device.state(device.RUNTIME), "activating")
+        self.assertTrue(self.registered())
+        self.assert_files(apps.MAPS.files())
+
+    def test_theLauncherServiceIsDroppedWhileTheRuntimeStops(self):
+        self.device.configure_runtime(stopDelay=15000)
+        self.device.start_runtime()
+        self.assertTrue(self.registered())
+        self.device.machine.run("systemctl", "stop", "--no-block", device.RUNTIME)
+        self.device.wait(lambda: not self.registered(), "alien.launcher is gone")
+        self.assertEqual(self.device.state(device.RUNTIME), "deactivating")
+
+    def test_lumdStartedOnAnActiveRuntimeServesItAtOnce(self):
+        self.device.stop(device.LUMD)
+        self.device.install(apps.MAPS)
+        self.device.start(device.RUNTIME)
+        self.assertFalse(self.registered())
+        self.device.start(device.LUMD)
+        self.device.wait_announced()
+        self.assert_files(apps.MAPS.files())
+
+    def test_lumdStartedAnewIsToldOfEverythingAgain(self):
+        self.device.install(apps.MAPS, apps.NOTES)
+        self.device.start(device.RUNTIME)
+        first = self.device.wait_announced()
+        before = self.device.files()
+        self.device.stop(device.LUMD)
+        self.device.wait(lambda: not self.registered(), "alien.launcher is gone")
+        self.device.start(device.LUMD)
+        self.device.wait_announced(after=first)
+        self.assert_rewritten(before)
+
+    def test_aRuntimeThatIsKilledIsSeenAsFailedAndServedAgain(self):
+        self.device.install(apps.MAPS)
+        self.device.start_runtime()
+        lumd = self.device.owner()
+        self.device.kill(device.RUNTIME)
+        self.assertEqual(self.device.state(device.RUNTIME), "failed")
+        self.device.wait(lambda: self.device.seen_states()[-1] == "failed", "failed is seen")
+        self.device.install(apps.MAPS, apps.NOTES)
+        self.device.start_runtime()
+        self.assertEqual(self.device.owner(), lumd)
+        self.assert_files(apps.MAPS.files(), apps.NOTES.files())
+
+    def test_controlServiceStartsAndStopsTheRuntime(self):
+        for user in ("root", "handset"):
+            with self.subTest(user=user):
+                self.assertEqual(
+                    self.device.call("controlService", "b", "true", user=user).returncode, 0)
+                self.device.wait_state(device.RUNTIME, "active")
+                self.assertEqual(
+                    self.device.call("controlService", "b", "false", user=user).returncode, 0)
+                self.device.wait_state(device.RUNTIME, "inactive")
+
+    def test_controlServiceAutostartEnablesAndDisablesTheRuntime(self):
+        def enabled():
+            return self.device.machine.shell(f"systemctl is-enabled {device.RUNTIME}",
+                                             check=False).stdout.strip()
+
+        self.assertEqual(enabled(), "disabled")
+        self.device.call("controlServiceAutostart", "b", "true")
+        self.device.wait(lambda: enabled() == "enabled", "the unit is enabled")
+        self.device.call("controlServiceAutostart", "b", "false")
+        self.device.wait(lambda: enabled() == "disabled", "the unit is disabled")
