@@ -1,0 +1,109 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: BSD-3-Clause
+"""tools/check: each linter with a file that it must pass and one that it must refuse."""
+
+import json
+import shutil
+import subprocess
+import unittest
+
+from tree import CHECKOUT, LICENCE, TreeTest, source
+
+GOOD = source('int three()', '{', '    return 3;', '}')
+UGLY = source('int three() { return   3; }')
+# Both Qt and the standard library refuse: a temporary's data, and 0 for a pointer.
+DANGLING = source(
+    '#include <QString>', '', 'const char *name(const QString &text)', '{',
+    '    const char *data = text.toUtf8().constData();', '    return data;', '}')
+OLD = source('int *none()', '{', '    return 0;', '}')
+
+
+class CheckTest(TreeTest):
+    def setUp(self):
+        super().setUp()
+        for path in ('tools/check', 'tools/check-rules', '.clang-format', '.clang-tidy'):
+            (self.root / path).parent.mkdir(exist_ok=True)
+            shutil.copy(CHECKOUT / path, self.root / path)
+        self.write('.gitignore', '/build/\n')
+        self.write('config/CMakeLists.txt', f'# {LICENCE}\nadd_library(names names.cpp)\n')
+        self.write('tests/config/tst_names.cpp', source('int main() { }'))
+        self.write('tests/CMakeLists.txt', f'# {LICENCE}\nadd_test(config/tst_names.cpp)\n')
+        self.write_config(GOOD)
+
+    def write_config(self, text):
+        """The one source of the tree, with the command that compiles it."""
+        self.write('config/names.cpp', text)
+        flags = subprocess.run(['pkg-config', '--cflags', 'Qt5Core'],
+                               capture_output=True, text=True, check=True).stdout.strip()
+        self.write('build/dev/compile_commands.json', json.dumps([{
+            'directory': str(self.root), 'file': 'config/names.cpp',
+            'command': f'g++ -std=c++17 -fPIC {flags} -c config/names.cpp'}]))
+
+    def check(self, *arguments):
+        done = self.run_in_tree('tools/check', *arguments)
+        return done.returncode, done.stdout.splitlines()
+
+    def assert_finds(self, check, words, *arguments):
+        code, lines = self.check(check, *arguments)
+        self.assertEqual(code, 1, lines)
+        self.assertEqual(lines[-1], f'{check}: FOUND SOMETHING')
+        self.assertTrue(any(words in line for line in lines[:-1]), lines)
+
+    def testCleanTreePassesEveryLinter(self):
+        self.assertEqual(self.check(), (
+            0, ['format: clean', 'rules: clean', 'tidy: clean', 'clazy: clean']))
+
+    def testFormatRefusesUglyFile(self):
+        self.write_config(UGLY)
+        self.assert_finds('format', 'config/names.cpp:2')
+        self.assertEqual((self.root / 'config/names.cpp').read_text(), UGLY)
+
+    def testFixFormatsInPlace(self):
+        self.write_config(UGLY)
+        self.assertEqual(self.check('--fix', 'format'), (0, ['format: clean']))
+        self.assertEqual((self.root / 'config/names.cpp').read_text(), GOOD)
+
+    def testFormatReadsTestsAndHeadersToo(self):
+        self.write('tests/config/tst_names.h', UGLY)
+        self.assert_finds('format', 'tests/config/tst_names.h:2')
+
+    def testTidyRefusesZeroAsPointer(self):
+        self.write_config(OLD)
+        self.assert_finds('tidy', 'modernize-use-nullptr')
+
+    def testTidyReadsProductionCodeAlone(self):
+        self.write('tests/config/tst_names.cpp', OLD)
+        self.assertEqual(self.check('tidy'), (0, ['tidy: clean']))
+
+    def testClazyRefusesDanglingData(self):
+        self.write_config(DANGLING)
+        self.assert_finds('clazy', 'clazy-returning-data-from-temporary')
+
+    def testCodeThatDoesNotCompileIsAFinding(self):
+        self.write_config(source('int three(;'))
+        self.assert_finds('tidy', 'error:')
+        self.assert_finds('clazy', 'error:')
+
+    def testRulesAreRun(self):
+        self.write_config('int three();\n')
+        self.assert_finds('rules', 'config/names.cpp:1: lacks the line')
+
+    def testMissingBuildIsAFinding(self):
+        for check in ('tidy', 'clazy'):
+            self.assert_finds(check, 'elsewhere/compile_commands.json is missing',
+                              '--build', 'elsewhere')
+
+    def testOneFindingFailsTheWhole(self):
+        self.write_config(UGLY)
+        code, lines = self.check('format', 'rules')
+        self.assertEqual(code, 1)
+        self.assertEqual(lines[-2:], ['format: FOUND SOMETHING', 'rules: clean'])
+
+    def testUnknownArgumentIsRefused(self):
+        done = self.run_in_tree('tools/check', '--unknown')
+        self.assertEqual(done.returncode, 2)
+        self.assertIn('tools/check [--fix]', done.stderr)
+
+
+if __name__ == '__main__':
+    unittest.main()
