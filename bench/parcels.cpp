@@ -73,8 +73,9 @@ void readingByHand(benchmark::State &state)
             gbinder_remote_request_init_reader(request, &reader);
             for (int i = 0; i < 4; ++i) {
                 gsize length = 0;
-                const gunichar2 *units = gbinder_reader_read_string16_utf16(&reader, &length);
-                benchmark::DoNotOptimize(std::u16string(units, units + length));
+                const auto *units = reinterpret_cast<const char16_t *>(
+                    gbinder_reader_read_string16_utf16(&reader, &length));
+                benchmark::DoNotOptimize(std::u16string(units, length));
             }
             gsize size = 0;
             const auto *bytes =

@@ -3,6 +3,19 @@
 
 #include "binder/logging.h"
 
+namespace {
+
+// QString::fromUtf16 takes its time over the byte order of each unit, which only a byte order
+// mark in front can change.
+QString fromUtf16(const gunichar2 *units, int length)
+{
+    if (length > 0 && (*units == QChar::ByteOrderMark || *units == QChar::ByteOrderSwapped))
+        return QString::fromUtf16(units, length);
+    return QString(reinterpret_cast<const QChar *>(units), length);
+}
+
+} // namespace
+
 AlienBinderParcel::AlienBinderParcel(GBinderWriter *writer) : m_writer(writer) { }
 
 AlienBinderParcel::AlienBinderParcel(GBinderReader *reader) : m_reader(reader) { }
@@ -121,7 +134,7 @@ QString AlienBinderParcel::readString()
         return {};
     gsize length = 0;
     const gunichar2 *units = gbinder_reader_read_string16_utf16(m_reader, &length);
-    return QString::fromUtf16(units, static_cast<int>(length));
+    return fromUtf16(units, static_cast<int>(length));
 }
 
 QStringList AlienBinderParcel::readStringList()

@@ -4,6 +4,7 @@
 # TEST_EXECUTABLE  the executable
 # TEST_NAME        what the names of the entries begin with
 # ENTRIES          the file to write
+# MEASURES_COVERAGE    whether the line coverage is read off after all of them
 set(time_limit 60)
 
 execute_process(
@@ -17,11 +18,15 @@ string(REGEX MATCHALL "[A-Za-z_][A-Za-z0-9_]*\\(\\)" functions "${output}")
 if(NOT functions)
     message(FATAL_ERROR "${TEST_EXECUTABLE} has no test function")
 endif()
+set(properties "TIMEOUT ${time_limit}")
+if(MEASURES_COVERAGE)
+    string(APPEND properties " FIXTURES_REQUIRED coverage")
+endif()
 set(text "")
 foreach(function IN LISTS functions)
     string(REPLACE "()" "" function "${function}")
     string(APPEND text
         "add_test([=[${TEST_NAME}.${function}]=] [=[${TEST_EXECUTABLE}]=] [=[${function}]=])\n"
-        "set_tests_properties([=[${TEST_NAME}.${function}]=] PROPERTIES TIMEOUT ${time_limit})\n")
+        "set_tests_properties([=[${TEST_NAME}.${function}]=] PROPERTIES ${properties})\n")
 endforeach()
 file(WRITE ${ENTRIES} "${text}")

@@ -3,6 +3,9 @@
 # own time limit and its own line in the summary.
 set(LUM_DISCOVER_TESTS ${CMAKE_CURRENT_LIST_DIR}/DiscoverTests.cmake)
 
+# Tells the entries of a second build from those of the first, where one CTest run takes both.
+set(LUMD_TEST_PREFIX "" CACHE STRING "What the names of all tests begin with")
+
 # lum_add_test(<name> [USES_DAEMON] SOURCES <file>... LINKS <target>...)
 #
 # A Qt Test executable against the fake libgbinder. Its functions are found when it was
@@ -20,7 +23,8 @@ function(lum_add_test name)
     add_custom_command(TARGET ${name} POST_BUILD
         COMMAND ${CMAKE_COMMAND}
             -D TEST_EXECUTABLE=$<TARGET_FILE:${name}>
-            -D TEST_NAME=${name}
+            -D TEST_NAME=${LUMD_TEST_PREFIX}${name}
+            -D MEASURES_COVERAGE=${LUMD_COVERAGE}
             -D ENTRIES=${entries}
             -P ${LUM_DISCOVER_TESTS}
         BYPRODUCTS ${entries}

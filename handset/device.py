@@ -53,7 +53,8 @@ class Device:
     def reset(self):
         """Brings the handset to its ground state: no apps, runtime stopped, lumd started."""
         files = {VERBOSE: VERBOSE_TEXT, **payload.sdk_files(payload.DEFAULT_SDK)}
-        self.machine.shell(f"""
+        mark = self.machine.shell(f"""
+            exec 3>&1 >/dev/null
             systemctl stop {LUMD} {RUNTIME}
             systemctl disable --quiet {RUNTIME}
             systemctl reset-failed
@@ -61,10 +62,10 @@ class Device:
             rm -rf {RUNTIME_CONFIG} {BLACKLIST} {MARKERS}/*
             {write_script(files)}
             systemctl daemon-reload
-            systemctl start getty@tty1.service
-            """, timeout=PATIENCE)
-        self.cursor = self.journal_end()
-        self.start(LUMD)
+            journalctl --lines=0 --show-cursor --quiet >&3
+            systemctl start getty@tty1.service {LUMD}
+            """).stdout
+        self.cursor = mark.partition("cursor: ")[2].strip()
 
     def set_sdk(self, level):
         """Makes the runtime one of another Android level; lumd and the runtime start anew."""
@@ -94,11 +95,11 @@ class Device:
 
     def start(self, unit):
         """Starts a unit and waits until it is up."""
-        self.machine.run("systemctl", "start", unit, timeout=PATIENCE)
+        self.machine.run("systemctl", "start", unit)
 
     def stop(self, unit):
         """Stops a unit and waits until it is down."""
-        self.machine.run("systemctl", "stop", unit, timeout=PATIENCE)
+        self.machine.run("systemctl", "stop", unit)
 
     def kill(self, unit):
         """Kills every process of a unit as if it had crashed, and waits until systemd saw it."""
@@ -142,8 +143,7 @@ class Device:
 
     def runtime(self, *command, check=True):
         """Asks the runtime through its control client; gives its answer."""
-        result = self.machine.shell(shlex.join(["alienctl", *command]), check=check,
-                                    timeout=2 * PATIENCE)
+        result = self.machine.shell(shlex.join(["alienctl", *command]), check=check)
         return json.loads(result.stdout)
 
     def announce(self, app):
@@ -201,11 +201,6 @@ class Device:
 
     # The log
 
-    def journal_end(self):
-        """A mark at the present end of the journal."""
-        output = self.machine.run("journalctl", "--lines=0", "--show-cursor", "--quiet")
-        return output.partition("cursor: ")[2].strip()
-
     def log(self, unit=LUMD, priority="debug"):
         """The lines of a unit's log since the ground state."""
         output = self.machine.run("journalctl", f"--after-cursor={self.cursor}", "--quiet",
@@ -236,7 +231,7 @@ class Device:
         while not condition():
             if time.monotonic() > deadline:
                 raise HandsetError(f"waited {PATIENCE} s in vain: {what}")
-            time.sleep(0.1)
+            time.sleep(0.2)
 
 
 def write_script(files):

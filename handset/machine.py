@@ -18,6 +18,7 @@ from image import HandsetError
 
 RUN = images.CACHE / "run"
 BOOT_TIMEOUT = 300
+COMMAND_TIMEOUT = 240
 
 # What the guest writes on its console when its user is on the seat.
 READY = b"handset: ready"
@@ -110,7 +111,7 @@ class Machine:
             time.sleep(0.1)
         subprocess.run([*self.ssh(), "-M", "-N", "-f", "root@handset"], check=True,
                        stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                       stderr=subprocess.DEVNULL, timeout=60)
+                       stderr=subprocess.DEVNULL, timeout=COMMAND_TIMEOUT)
 
     def console_bytes(self):
         """What the guest has written on its console so far."""
@@ -141,7 +142,7 @@ class Machine:
         if not self.running():
             raise HandsetError(f"the handset '{self.name}' does not run")
 
-    def shell(self, script, check=True, timeout=60, **options):
+    def shell(self, script, check=True, timeout=COMMAND_TIMEOUT, **options):
         """Runs a shell script on the handset; gives the CompletedProcess, output as text."""
         self.demand_running()
         if "input" not in options:

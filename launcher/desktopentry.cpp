@@ -5,6 +5,7 @@
 #include "launcher/logging.h"
 
 #include <QSaveFile>
+#include <QStringBuilder>
 #include <QStringView>
 
 namespace {
@@ -103,7 +104,7 @@ void DesktopEntry::save() const
     }
     QString text = QLatin1String(groupHeader) + QLatin1Char('\n');
     for (auto entry = m_values.constBegin(); entry != m_values.constEnd(); ++entry)
-        text += entry.key() + QLatin1Char('=') + entry.value() + QLatin1Char('\n');
+        text += entry.key() % QLatin1Char('=') % entry.value() % QLatin1Char('\n');
     const QByteArray bytes = text.toUtf8();
     // The commit alone would put a file in place that a full disk has cut short.
     if (file.write(bytes) != bytes.size() || !file.flush())

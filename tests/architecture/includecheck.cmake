@@ -18,7 +18,7 @@ execute_process(
     RESULTS_VARIABLE results)
 list(GET results 1 result)
 
-string(REGEX MATCH "fatal error: '?${HEADER}'?(: No such file| file not found)" missing
+string(REGEX MATCH "error: '?${HEADER}'?(: No such file| file not found)" missing
     "${errors}")
 if(VERDICT STREQUAL "MAY")
     if(NOT result EQUAL 0)

@@ -54,7 +54,8 @@ void noteFor(const sd_login_monitor *monitor, const QString &call)
 
 } // namespace
 
-// The linker sends lumd's calls of these functions here (--wrap).
+// The linker sends lumd's calls of these functions here (--wrap), under names of its own.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 
 int __wrap_sd_login_monitor_new(const char *category, sd_login_monitor **monitor)
@@ -134,6 +135,7 @@ int __wrap_clock_gettime(clockid_t clock, timespec *time)
 }
 
 } // extern "C"
+// NOLINTEND(bugprone-reserved-identifier)
 
 class TestSeat : public QObject
 {
