@@ -189,7 +189,7 @@ class Demo:
         """Neither log holds a complaint"""
         warnings = [line.text for line in self.device.log(priority="warning")]
         self.check(not warnings, "\n".join(warnings))
-        errors = self.device.runtime("status")["errors"]
+        errors = self.device.runtime_errors()
         self.check(not errors, f"the runtime complains: {errors}")
         self.show("no warning from lumd, and no wrong byte seen by the runtime")
 

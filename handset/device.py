@@ -209,6 +209,12 @@ class Device:
         entries = [json.loads(line) for line in output.splitlines()]
         return [Line(int(entry["PRIORITY"]), entry["MESSAGE"]) for entry in entries]
 
+    def runtime_errors(self):
+        """What the runtime found wrong in what it was sent, since the ground state."""
+        events = [json.loads(line.text) for line in self.log(RUNTIME)
+                  if line.text.startswith("{")]
+        return [event for event in events if "error" in event]
+
     def seen_states(self):
         """The states of the runtime's unit that lumd was told of, in order."""
         prefix = "Alien Dalvik is "

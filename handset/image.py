@@ -118,8 +118,10 @@ def make(scratch, image):
     # INITRD=No keeps the kernel's package from making an initial RAM disk of its own.
     environment = dict(os.environ, OVERLAY=str(overlay), KEY=f"{image.key}.pub",
                        HERE=str(HERE), INITRD="No")
-    # In a mount namespace of its own, so that no mount can outlive the command.
-    run("unshare", "--mount", "mmdebstrap", "--variant=minbase", *proxy_options(),
+    # In a mount namespace of its own, so that no mount can outlive the command. In a chroot
+    # the root is no mount point, and its mounts cannot be made private.
+    run("unshare", "--mount", "--propagation=unchanged", "sh", "-c",
+        'mount --make-rprivate / 2>/dev/null; exec "$@"', "sh", "mmdebstrap", "--variant=minbase", *proxy_options(),
         "--skip=cleanup/reproducible", f"--include={','.join(PACKAGES)}",
         '--setup-hook=tar -C "$1" -xf "$OVERLAY" --no-overwrite-dir',
         '--customize-hook=cp "$HERE/initrd-init" "$1/tmp/"',

@@ -22,8 +22,7 @@ class Scenario(unittest.TestCase):
     def tearDown(self):
         warnings = [line.text for line in self.device.log(priority="warning")]
         self.assertEqual(warnings, self.expected_warnings)
-        if self.device.state(device.RUNTIME) == "active":
-            self.assertEqual(self.device.runtime("status")["errors"], [])
+        self.assertEqual(self.device.runtime_errors(), [])
 
     def run(self, result=None):
         before = len(result.failures) + len(result.errors)

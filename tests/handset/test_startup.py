@@ -67,7 +67,8 @@ class StartUp(Scenario):
 
     def test_aSecondDaemonEndsWithCodeOne(self):
         first = self.device.owner()
-        second = self.device.machine.shell("/usr/sbin/lumd", check=False)
+        second = self.device.machine.shell("timeout 60 /usr/sbin/lumd",
+                                           check=False)
         self.assertEqual(second.returncode, 1)
         self.assertEqual(second.stderr, "com.tovra.lumd.daemon: "
                          "Cannot register D-Bus service at com.tovra.lumd\n")
@@ -75,7 +76,7 @@ class StartUp(Scenario):
 
     def test_whoIsNotRootIsToldSoWithCodeTwo(self):
         refused = self.device.machine.shell(
-            "setpriv --reuid=handset --regid=handset --clear-groups /usr/sbin/lumd",
+            "setpriv --reuid=handset --regid=handset --clear-groups timeout 60 /usr/sbin/lumd",
             check=False)
         self.assertEqual(refused.returncode, 2)
         self.assertEqual(refused.stderr, "/usr/sbin/lumd: Not running as root, exiting.\n")
