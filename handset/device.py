@@ -46,14 +46,14 @@ class Device:
 
     def __init__(self, machine):
         self.machine = machine
-        self.cursor = None
+        self.since = "0"
 
     # Ground state
 
     def reset(self):
         """Brings the handset to its ground state: no apps, runtime stopped, lumd started."""
         files = {VERBOSE: VERBOSE_TEXT, **payload.sdk_files(payload.DEFAULT_SDK)}
-        mark = self.machine.shell(f"""
+        self.since = self.machine.shell(f"""
             exec 3>&1 >/dev/null
             systemctl stop {LUMD} {RUNTIME}
             systemctl disable --quiet {RUNTIME}
@@ -62,10 +62,9 @@ class Device:
             rm -rf {RUNTIME_CONFIG} {BLACKLIST} {MARKERS}/*
             {write_script(files)}
             systemctl daemon-reload
-            journalctl --lines=0 --show-cursor --quiet >&3
+            date +%s.%6N >&3
             systemctl start getty@tty1.service {LUMD}
-            """).stdout
-        self.cursor = mark.partition("cursor: ")[2].strip()
+            """).stdout.strip()
 
     def set_sdk(self, level):
         """Makes the runtime one of another Android level; lumd and the runtime start anew."""
@@ -76,7 +75,7 @@ class Device:
 
     def write(self, files):
         """Writes text files: path to text."""
-        self.machine.shell(write_script(files))
+        self.machine.shell("sh", input=write_script(files))
 
     def install(self, *apps):
         """Makes apps known to the runtime, which announces them when it starts."""
@@ -149,7 +148,8 @@ class Device:
     def announce(self, app):
         """Has the runtime announce an app, also one that it did not know."""
         path = f"/run/{app.package}.json"
-        self.machine.shell(f"{write_script({path: app.to_json()})}\nalienctl announce {path}")
+        self.write({path: app.to_json()})
+        return self.runtime("announce", path)
 
     def start_runtime(self):
         """Starts the runtime and waits until it has announced all of its launchers."""
@@ -178,11 +178,11 @@ class Device:
                 find {ICONS} {SETTINGS} -type f "$@"
             }}
             list -printf '%p\\t%i\\t%T@\\n'
-            echo
+            echo --
             list -print0 | tar -cPf - --null --files-from=- | base64 -w 0
             """).stdout
-        listing, _, archive = output.partition("\n\n")
-        if not listing.strip():
+        listing, _, archive = output.partition("--\n")
+        if not listing:
             return {}
         contents = {}
         with tarfile.open(fileobj=io.BytesIO(base64.b64decode(archive))) as tar:
@@ -203,11 +203,14 @@ class Device:
 
     def log(self, unit=LUMD, priority="debug"):
         """The lines of a unit's log since the ground state."""
-        output = self.machine.run("journalctl", f"--after-cursor={self.cursor}", "--quiet",
+        self.machine.run("journalctl", "--sync")
+        # --after-cursor would pass over the first line when the marked one is another unit's.
+        output = self.machine.run("journalctl", f"--cursor={self.cursor}", "--quiet",
                                   f"_SYSTEMD_UNIT={unit}", f"--priority={priority}",
                                   "--output=json", "--output-fields=PRIORITY,MESSAGE")
         entries = [json.loads(line) for line in output.splitlines()]
-        return [Line(int(entry["PRIORITY"]), entry["MESSAGE"]) for entry in entries]
+        return [Line(int(entry["PRIORITY"]), entry["MESSAGE"]) for entry in entries
+                if entry["__CURSOR"] != self.cursor]
 
     def runtime_errors(self):
         """What the runtime found wrong in what it was sent, since the ground state."""

@@ -18,11 +18,13 @@ class Scenario(unittest.TestCase):
         self.device = device.Device(machine.Machine(os.environ["LUMD_HANDSET"]))
         self.device.reset()
         self.expected_warnings = []
+        self.expected_errors = []
 
     def tearDown(self):
         warnings = [line.text for line in self.device.log(priority="warning")]
         self.assertEqual(warnings, self.expected_warnings)
-        self.assertEqual(self.device.runtime_errors(), [])
+        self.assertEqual([event["error"] for event in self.device.runtime_errors()],
+                         self.expected_errors)
 
     def run(self, result=None):
         before = len(result.failures) + len(result.errors)
