@@ -101,6 +101,7 @@ void TestAppSizeInfo::travelsAsThreeNumbersInTheirOrder()
     qlonglong third = 0;
     raw.beginStructure();
     raw >> first >> second >> third;
+    raw.endStructure();
     QCOMPARE(first, code);
     QCOMPARE(second, data);
     QCOMPARE(third, cache);
