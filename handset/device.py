@@ -62,6 +62,7 @@ class Device:
             rm -rf {RUNTIME_CONFIG} {BLACKLIST} {MARKERS}/*
             {write_script(files)}
             systemctl daemon-reload
+            journalctl --sync
             date +%s.%6N >&3
             systemctl start getty@tty1.service {LUMD}
             """).stdout.strip()
@@ -103,7 +104,7 @@ class Device:
     def kill(self, unit):
         """Kills every process of a unit as if it had crashed, and waits until systemd saw it."""
         self.machine.run("systemctl", "kill", "--signal=SIGKILL", unit)
-        self.wait(lambda: self.state(unit) not in ("active", "activating"),
+        self.wait(lambda: self.state(unit) in ("failed", "inactive"),
                   f"{unit} is down after SIGKILL")
 
     def state(self, unit):
@@ -204,13 +205,11 @@ class Device:
     def log(self, unit=LUMD, priority="debug"):
         """The lines of a unit's log since the ground state."""
         self.machine.run("journalctl", "--sync")
-        # --after-cursor would pass over the first line when the marked one is another unit's.
-        output = self.machine.run("journalctl", f"--cursor={self.cursor}", "--quiet",
+        output = self.machine.run("journalctl", f"--since=@{self.since}", "--quiet",
                                   f"_SYSTEMD_UNIT={unit}", f"--priority={priority}",
                                   "--output=json", "--output-fields=PRIORITY,MESSAGE")
         entries = [json.loads(line) for line in output.splitlines()]
-        return [Line(int(entry["PRIORITY"]), entry["MESSAGE"]) for entry in entries
-                if entry["__CURSOR"] != self.cursor]
+        return [Line(int(entry["PRIORITY"]), entry["MESSAGE"]) for entry in entries]
 
     def runtime_errors(self):
         """What the runtime found wrong in what it was sent, since the ground state."""

@@ -18,7 +18,7 @@ class Runtime(Scenario):
         self.device.wait_states("inactive", "activating", "active", "deactivating", "inactive")
 
     def test_theLauncherServiceIsThereWhileTheRuntimeIsStillActivating(self):
-        self.device.configure_runtime(readyDelay=15000)
+        self.device.configure_runtime(readyDelay=60000)
         self.device.install(apps.MAPS)
         self.device.machine.run("systemctl", "start", "--no-block", device.RUNTIME)
         self.device.wait_control()
@@ -28,7 +28,7 @@ class Runtime(Scenario):
         self.assert_files(apps.MAPS.files())
 
     def test_anAnnouncementOfAStoppingRuntimeReachesNobody(self):
-        self.device.configure_runtime(stopDelay=20000)
+        self.device.configure_runtime(stopDelay=60000)
         self.device.start_runtime()
         self.device.machine.run("systemctl", "stop", "--no-block", device.RUNTIME)
         self.device.wait_states("inactive", "activating", "active", "deactivating")
@@ -36,6 +36,7 @@ class Runtime(Scenario):
         self.device.announce(apps.MAPS)
         self.assertEqual(self.device.state(device.RUNTIME), "deactivating")
         self.assert_files()
+        self.device.kill(device.RUNTIME)
         self.expected_errors = ["status -74"] * len(apps.MAPS.launchers)
 
     def test_lumdStartedOnAnActiveRuntimeServesItAtOnce(self):

@@ -94,10 +94,12 @@ bool SystemdObject::handleMessage(const QDBusMessage &message, const QDBusConnec
     {
         const std::lock_guard<std::mutex> lock(mutex);
         calls.append({message.member(), message.arguments()});
-        connection.send(answer(message));
-        called.notify_all();
     }
+    // Before the answer: the next request may come in on another thread as soon as it is out.
     follow(message.member());
+    const std::lock_guard<std::mutex> lock(mutex);
+    connection.send(answer(message));
+    called.notify_all();
     return true;
 }
 
