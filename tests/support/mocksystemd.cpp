@@ -3,6 +3,10 @@
 
 #include "tests/support/systemdobject.h"
 
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+
 #include <algorithm>
 #include <chrono>
 
@@ -21,7 +25,14 @@ QString textOf(const QVariant &value)
 
 } // namespace
 
-MockSystemd::MockSystemd() : m_d(std::make_unique<SystemdObject>()) { }
+MockSystemd::MockSystemd() : m_d(std::make_unique<SystemdObject>())
+{
+    // Qt holds back what arrives on a bus before the event loop has run, and then lets what
+    // comes just after overtake it. Signals are in order once that is behind.
+    const QDBusConnection bus = QDBusConnection::systemBus();
+    QCoreApplication::processEvents();
+    bus.interface()->isServiceRegistered(QStringLiteral("org.freedesktop.systemd1"));
+}
 
 MockSystemd::~MockSystemd() = default;
 
