@@ -19,6 +19,17 @@ namespace {
 // In bytes; nothing that is read here comes near it, and a QByteArray holds it.
 constexpr off_t largestFile = 1 << 30;
 
+struct OpenFile
+{
+    ~OpenFile()
+    {
+        if (descriptor >= 0)
+            close(descriptor);
+    }
+
+    const int descriptor;
+};
+
 struct CloseDirectory
 {
     void operator()(DIR *directory) const { closedir(directory); }
@@ -54,12 +65,8 @@ std::optional<QByteArray> readFile(const QString &path)
     // The system would take the name for one that ends there.
     if (path.contains(QChar::Null))
         return {};
-    const int descriptor = open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0)
-        return {};
-    const std::optional<QByteArray> bytes = readOpenFile(descriptor);
-    close(descriptor);
-    return bytes;
+    const OpenFile file{open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC)};
+    return file.descriptor < 0 ? std::nullopt : readOpenFile(file.descriptor);
 }
 
 QStringList listFiles(const QString &folder, const QString &prefix, const QString &suffix)
