@@ -25,10 +25,10 @@ QString textOf(const QVariant &value)
 
 } // namespace
 
-MockSystemd::MockSystemd() : m_d(std::make_unique<SystemdObject>())
+MockSystemd::MockSystemd() : m_d(std::make_unique<SystemdObject>()) { }
+
+void MockSystemd::settleListeners()
 {
-    // Qt holds back what arrives on a bus before the event loop has run, and then lets what
-    // comes just after overtake it. Signals are in order once that is behind.
     const QDBusConnection bus = QDBusConnection::systemBus();
     QCoreApplication::processEvents();
     bus.interface()->isServiceRegistered(QStringLiteral("org.freedesktop.systemd1"));

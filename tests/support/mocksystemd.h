@@ -66,6 +66,11 @@ public:
 
     static QString unitPath();
 
+    /// Call on the main thread when the listeners of the tested object are connected. Qt holds
+    /// back what arrives on a bus before the event loop has run, and then lets what comes just
+    /// after overtake it; once this has returned, signals arrive in their order.
+    static void settleListeners();
+
 private:
     std::unique_ptr<SystemdObject> m_d;
 };

@@ -205,6 +205,7 @@ void TestMockSystemd::aRemovedPropertyIsAbsent()
 void TestMockSystemd::followsRequestsWhenAsked()
 {
     const Listener listener;
+    MockSystemd::settleListeners();
     m_manager->call(QStringLiteral("Subscribe"));
     m_manager->call(QStringLiteral("StartUnit"), m_unit, QStringLiteral("replace"));
     QCOMPARE(getAll().value().value(QStringLiteral("ActiveState")).toString(),
