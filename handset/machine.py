@@ -105,22 +105,29 @@ class Machine:
 
     def connect(self, deadline):
         """Waits until the handset is ready, and opens the connection that all commands share."""
-        while READY not in self.console_bytes():
+        def demand(waiting):
             if not self.running() or time.monotonic() > deadline:
-                raise HandsetError("the handset did not come up:\n" + self.last_words())
+                raise HandsetError(f"the handset did not {waiting}:\n" + self.last_words())
+
+        while READY not in self.console_bytes():
+            demand("come up")
             time.sleep(0.1)
-        subprocess.run([*self.ssh(), "-M", "-N", "-f", "root@handset"], check=True,
-                       stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                       stderr=subprocess.DEVNULL, timeout=COMMAND_TIMEOUT)
+        # A first attempt may run into ssh's time limits where the machine is under load.
+        with open(self.folder / "ssh.log", "ab") as log:
+            while subprocess.run([*self.ssh(), "-M", "-N", "-f", "root@handset"], check=False,
+                                 stdin=subprocess.DEVNULL, stdout=log,
+                                 stderr=log).returncode != 0:
+                demand("answer")
+                time.sleep(0.5)
 
     def console_bytes(self):
         """What the guest has written on its console so far."""
         return self.console.read_bytes() if self.console.exists() else b""
 
     def last_words(self):
-        """The end of what QEMU and the guest's console wrote."""
+        """The end of what QEMU, the guest's console and ssh wrote."""
         words = ""
-        for path in (self.folder / "qemu.log", self.console):
+        for path in (self.folder / "qemu.log", self.console, self.folder / "ssh.log"):
             if path.exists():
                 words += path.read_text(errors="replace")[-3000:]
         return words
