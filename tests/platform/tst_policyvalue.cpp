@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include <policyvalue.h>
+
+#include "tests/support/testmain.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+
+namespace {
+
+/// Each text has a time of its own: QSettings knows a new file by its size and time alone, and
+/// the clock may not have gone on since the last one.
+void setPolicy(const QByteArray &text)
+{
+    QFile file(QStringLiteral("/etc/lumd/platform/policy.conf"));
+    const uint length = uint(text.size());
+    const auto time = QDateTime::fromSecsSinceEpoch(qChecksum(text.constData(), length));
+    if (!QDir().mkpath(QStringLiteral("/etc/lumd/platform")) || !file.open(QIODevice::WriteOnly)
+        || file.write(text) != text.size() || !file.flush()
+        || !file.setFileTime(time, QFileDevice::FileModificationTime))
+        qFatal("cannot write the policy");
+}
+
+} // namespace
+
+class TestPolicyValue : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void missingFileGivesNoValue();
+    void valueIsFoundByItsNumber_data();
+    void valueIsFoundByItsNumber();
+    void valueIsReadAtEachCall();
+};
+
+void TestPolicyValue::missingFileGivesNoValue()
+{
+    QVERIFY(!Quillfin::PolicyValue::keyValue(6).isValid());
+}
+
+void TestPolicyValue::valueIsFoundByItsNumber_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<bool>("isValid");
+    QTest::addColumn<bool>("value");
+    QTest::newRow("true") << QByteArray("[policy]\n5=false\n6=true\n") << true << true;
+    QTest::newRow("false") << QByteArray("[policy]\n5=true\n6=false\n") << true << false;
+    QTest::newRow("0") << QByteArray("[policy]\n6=0\n") << true << false;
+    QTest::newRow("1") << QByteArray("[policy]\n6=1\n") << true << true;
+    QTest::newRow("empty") << QByteArray("[policy]\n6=\n") << true << false;
+    QTest::newRow("another number") << QByteArray("[policy]\n66=true\n") << false << false;
+    QTest::newRow("another group") << QByteArray("[other]\n6=true\n") << false << false;
+    QTest::newRow("no group") << QByteArray("6=true\n") << false << false;
+    QTest::newRow("no ini file") << QByteArray("\0\xff[[", 4) << false << false;
+}
+
+void TestPolicyValue::valueIsFoundByItsNumber()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(bool, isValid);
+    QFETCH(bool, value);
+    setPolicy(text);
+    QCOMPARE(Quillfin::PolicyValue::keyValue(6).isValid(), isValid);
+    QCOMPARE(Quillfin::PolicyValue::keyValue(6).toBool(), value);
+}
+
+void TestPolicyValue::valueIsReadAtEachCall()
+{
+    setPolicy("[policy]\n6=true\n");
+    QCOMPARE(Quillfin::PolicyValue::keyValue(6).toBool(), true);
+    setPolicy("[policy]\n6=false\n");
+    QCOMPARE(Quillfin::PolicyValue::keyValue(6).toBool(), false);
+    QVERIFY(QFile::remove(QStringLiteral("/etc/lumd/platform/policy.conf")));
+    QVERIFY(!Quillfin::PolicyValue::keyValue(6).isValid());
+}
+
+LUM_TEST_MAIN(TestPolicyValue)
+#include "tst_policyvalue.moc"

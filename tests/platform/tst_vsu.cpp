@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include <vsu.h>
+#include <vsurepomanager.h>
+
+#include "tests/support/testmain.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+
+namespace {
+
+/// Each text has a time of its own: QSettings knows a new file by its size and time alone, and
+/// the clock may not have gone on since the last one.
+void configure(const QByteArray &text)
+{
+    QFile file(QStringLiteral("/etc/lumd/platform/vsu.conf"));
+    const uint length = uint(text.size());
+    const auto time = QDateTime::fromSecsSinceEpoch(qChecksum(text.constData(), length));
+    if (!QDir().mkpath(QStringLiteral("/etc/lumd/platform")) || !file.open(QIODevice::WriteOnly)
+        || file.write("[vsu]\n" + text) < 0 || !file.flush()
+        || !file.setFileTime(time, QFileDevice::FileModificationTime))
+        qFatal("cannot write the configuration");
+}
+
+} // namespace
+
+class TestVsu : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void missingFileGivesDefaults();
+    void deviceModeIsANumber_data();
+    void deviceModeIsANumber();
+    void repositoriesAreLists_data();
+    void repositoriesAreLists();
+};
+
+void TestVsu::missingFileGivesDefaults()
+{
+    QCOMPARE(Vsu().deviceMode(), 0);
+    for (const bool rnd : {false, true})
+        QCOMPARE(VsuRepoManager().repos(rnd, 0), QStringList());
+}
+
+void TestVsu::deviceModeIsANumber_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<int>("mode");
+    QTest::newRow("absent") << QByteArray() << 0;
+    QTest::newRow("2") << QByteArray("deviceMode=2\n") << 2;
+    QTest::newRow("18") << QByteArray("deviceMode=18\n") << 18;
+    QTest::newRow("negative") << QByteArray("deviceMode=-1\n") << -1;
+    QTest::newRow("no number") << QByteArray("deviceMode=two\n") << 0;
+}
+
+void TestVsu::deviceModeIsANumber()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(int, mode);
+    configure(text);
+    QCOMPARE(Vsu().deviceMode(), mode);
+}
+
+void TestVsu::repositoriesAreLists_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QStringList>("usual");
+    QTest::addColumn<QStringList>("rnd");
+    const QStringList none;
+    const QStringList one{QStringLiteral("apps")};
+    const QStringList two{QStringLiteral("apps"), QStringLiteral("jolly")};
+    QTest::newRow("absent") << QByteArray() << none << none;
+    QTest::newRow("one") << QByteArray("repos=apps\n") << one << none;
+    QTest::newRow("two") << QByteArray("repos=apps, jolly\n") << two << none;
+    QTest::newRow("both") << QByteArray("rndRepos=apps,jolly\nrepos=apps\n") << one << two;
+}
+
+void TestVsu::repositoriesAreLists()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QStringList, usual);
+    QFETCH(QStringList, rnd);
+    configure(text);
+    QCOMPARE(VsuRepoManager().repos(false, 0), usual);
+    QCOMPARE(VsuRepoManager().repos(true, 0), rnd);
+}
+
+LUM_TEST_MAIN(TestVsu)
+#include "tst_vsu.moc"
