@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "binder/alienbinderconnection.h"
 
+#include "binder/alienbindercallback.h"
 #include "binder/alienbindertransaction.h"
 #include "binder/device.h"
 #include "binder/logging.h"
@@ -59,6 +60,18 @@ AlienBinderTransaction *AlienBinderConnection::transaction(quint32 code, bool on
     connect(this, &AlienBinderConnection::connectionChanged, transaction,
         &AlienBinderTransaction::onConnectionChanged);
     return transaction;
+}
+
+AlienBinderCallback *AlienBinderConnection::callback(
+    const char *interface, AlienBinderRequestHandler *handler)
+{
+    if (!client())
+        return nullptr;
+    auto *const callback =
+        new AlienBinderCallback(m_serviceManager.get(), interface, handler, this);
+    connect(this, &AlienBinderConnection::connectionChanged, callback,
+        &AlienBinderCallback::onConnectionChanged);
+    return callback;
 }
 
 void AlienBinderConnection::onServiceStateChanged()

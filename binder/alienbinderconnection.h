@@ -8,6 +8,8 @@
 
 #include <vector>
 
+class AlienBinderCallback;
+class AlienBinderRequestHandler;
 class AlienBinderTransaction;
 
 /// The link to one named service of the Android runtime. It follows the runtime's state and
@@ -38,9 +40,18 @@ public:
     /// A new transaction, child of this connection. Null when there is no link.
     AlienBinderTransaction *transaction(quint32 code, bool oneway);
 
+    /// A new local object of @p interface, child of this connection, to be handed to the
+    /// runtime in a call. @p handler is not owned. Null when there is no link.
+    AlienBinderCallback *callback(const char *interface, AlienBinderRequestHandler *handler);
+
 Q_SIGNALS:
     /// Emitted with false on every disconnect, also when nothing was connected.
     void connectionChanged(bool connected);
+
+protected:
+    /// The service manager of the link, owned by the connection; null while the runtime is
+    /// not active.
+    GBinderServiceManager *serviceManager() const { return m_serviceManager.get(); }
 
 private Q_SLOTS:
     void onServiceStateChanged();

@@ -20,24 +20,32 @@ AlienBinderParcel::AlienBinderParcel(GBinderWriter *writer) : m_writer(writer) {
 
 AlienBinderParcel::AlienBinderParcel(GBinderReader *reader) : m_reader(reader) { }
 
-AlienBinderParcel::AlienBinderParcel(GBinderLocalRequest *request) : m_writer(&m_ownWriter)
+AlienBinderParcel::AlienBinderParcel(GBinderLocalRequest *request)
+    : m_writer(request ? &m_ownWriter : nullptr)
 {
-    gbinder_local_request_init_writer(request, m_writer);
+    if (m_writer)
+        gbinder_local_request_init_writer(request, m_writer);
 }
 
-AlienBinderParcel::AlienBinderParcel(GBinderRemoteRequest *request) : m_reader(&m_ownReader)
+AlienBinderParcel::AlienBinderParcel(GBinderRemoteRequest *request)
+    : m_reader(request ? &m_ownReader : nullptr)
 {
-    gbinder_remote_request_init_reader(request, m_reader);
+    if (m_reader)
+        gbinder_remote_request_init_reader(request, m_reader);
 }
 
-AlienBinderParcel::AlienBinderParcel(GBinderLocalReply *reply) : m_writer(&m_ownWriter)
+AlienBinderParcel::AlienBinderParcel(GBinderLocalReply *reply)
+    : m_writer(reply ? &m_ownWriter : nullptr)
 {
-    gbinder_local_reply_init_writer(reply, m_writer);
+    if (m_writer)
+        gbinder_local_reply_init_writer(reply, m_writer);
 }
 
-AlienBinderParcel::AlienBinderParcel(GBinderRemoteReply *reply) : m_reader(&m_ownReader)
+AlienBinderParcel::AlienBinderParcel(GBinderRemoteReply *reply)
+    : m_reader(reply ? &m_ownReader : nullptr)
 {
-    gbinder_remote_reply_init_reader(reply, m_reader);
+    if (m_reader)
+        gbinder_remote_reply_init_reader(reply, m_reader);
 }
 
 void AlienBinderParcel::writeBool(bool value)

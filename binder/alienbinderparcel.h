@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <QVariantMap>
 
 /// One binder payload, being either written or read. A write to a parcel without a writer
 /// does nothing; a read at the end of the data, or without a reader, gives the fixed answer
@@ -21,6 +22,7 @@ public:
     explicit AlienBinderParcel(GBinderWriter *writer);
     explicit AlienBinderParcel(GBinderReader *reader);
 
+    /// Write or read a request or reply from its start. Null gives the empty parcel.
     explicit AlienBinderParcel(GBinderLocalRequest *request);
     explicit AlienBinderParcel(GBinderRemoteRequest *request);
     explicit AlienBinderParcel(GBinderLocalReply *reply);
@@ -43,6 +45,15 @@ public:
     void writeLocalObject(GBinderLocalObject *object);
     void writeRemoteObject(GBinderRemoteObject *object);
 
+    /// An android.os.Bundle: its length in bytes, a magic number and the entries.
+    void writeBundle(const QVariantMap &bundle);
+    /// One value as android.os.Parcel.writeValue tags it. A null value goes out as null. A
+    /// type that has no tag here is logged and leaves nothing in the parcel, not even a tag.
+    void writeValue(const QVariant &value);
+    /// An int32 count and the entries, each a key and a tagged value.
+    void writeMap(const QVariantMap &map);
+    void writeIntMap(const QMap<int, QVariant> &map);
+
     bool readBool(); ///< false at the end
     qint32 readInt32(); ///< -1 at the end
     qint64 readInt64(); ///< -1 at the end
@@ -54,6 +65,15 @@ public:
     QByteArray readByteArray(); ///< empty at the end
     /// Null at the end. The caller owns the reference.
     GBinderRemoteObject *readObject();
+
+    /// Empty at the end, and with a critical message for a wrong magic number. The count of
+    /// entries is taken at its word, whatever the length says.
+    QVariantMap readBundle();
+    /// Invalid at the end, for Android's null and, with a critical message, for a tag that is
+    /// not known; what follows such a tag stays unread.
+    QVariant readValue();
+    QVariantMap readMap(); ///< empty at the end
+    QMap<int, QVariant> readIntMap(); ///< empty at the end
 
 private:
     bool hasData() const;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "binder/alienbinderservice.h"
 
-#include "binder/alienbinderparcel.h"
+#include "binder/localrequest.h"
 #include "runtime/logging.h"
 #include "runtime/servicecontroller.h"
 
@@ -32,19 +32,10 @@ void AlienBinderService::stop()
 GBinderLocalReply *AlienBinderService::onTransact(
     GBinderRemoteRequest *request, quint32 code, quint32 flags, int *status)
 {
-    AlienBinderParcel in(request);
-    GBinderLocalReply *reply = nullptr;
-    bool handled = false;
-    if (flags & GBINDER_TX_FLAG_ONEWAY) {
-        AlienBinderParcel out;
-        handled = processRequest(code, &in, &out);
-    } else {
-        reply = gbinder_local_object_new_reply(m_localObject.get());
-        AlienBinderParcel out(reply);
-        handled = processRequest(code, &in, &out);
-    }
-    *status = handled ? 0 : 1;
-    return reply;
+    return handleLocalRequest(m_localObject.get(), request, flags, status,
+        [this, code](AlienBinderParcel *in, AlienBinderParcel *out) {
+            return processRequest(code, in, out);
+        });
 }
 
 bool AlienBinderService::processRequest(quint32 code, AlienBinderParcel *in, AlienBinderParcel *out)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "daemon/lumdaemon.h"
 
-#include "clients/appsizeinfo.h"
+#include "clients/alienservicemonitor.h"
 #include "config/apkconfig.h"
 #include "daemon/logging.h"
 #include "daemon/lumdaemonadaptor.h"
@@ -35,7 +35,8 @@ void removeStaleFiles(const QDir &dir)
 } // namespace
 
 LumDaemon::LumDaemon(ApkConfig *config)
-    : m_desktopManager(*config),
+    : m_packageManager(nullptr),
+      m_desktopManager(*config),
       m_serviceController(ServiceController::instance()),
       m_config(config)
 {
@@ -54,6 +55,16 @@ void LumDaemon::connectMembers()
         &DesktopManager::onRemovePackage);
     connect(&m_apkManager, &ApkManager::launchersComplete, &m_desktopManager,
         &DesktopManager::onLaunchersComplete);
+    connect(AlienServiceMonitor::instance(), &AlienBinderConnection::connectionChanged, this,
+        &LumDaemon::onAlienServiceAvailable);
+    connect(&m_packageManager, &AlienBinderConnection::connectionChanged, this,
+        &LumDaemon::onPackageManagerAvailable);
+    connect(&m_activityManager, &AlienBinderConnection::connectionChanged, this,
+        &LumDaemon::onActivityManagerAvailable);
+    connect(&m_packageManager, &AlienPackageManager::installationResultReceived, this,
+        &LumDaemon::onNotifyInstallationResult);
+    connect(&m_packageManager, &AlienPackageManager::uninstallationResultReceived, this,
+        &LumDaemon::onNotifyUninstallationResult);
 }
 
 void LumDaemon::prepareFolders()
@@ -75,7 +86,7 @@ void LumDaemon::claimBus()
     }
 }
 
-QDir LumDaemon::incomingDir()
+QDir LumDaemon::incomingDir() const
 {
     QDir dir(m_config->path(IncomingDir));
     if (!dir.exists() && !dir.mkpath(QStringLiteral(".")))
@@ -88,6 +99,13 @@ QDir LumDaemon::incomingDir()
     if (chmod(path.constData(), mode) != 0)
         qCWarning(daemonLog) << "Cannot set permission of directory:" << dir.path();
     return dir;
+}
+
+void LumDaemon::startServiceIfNeeded()
+{
+    const QString state = m_serviceController->serviceState();
+    if (state == QLatin1String("inactive") || state == QLatin1String("deactivating"))
+        controlService(true);
 }
 
 void LumDaemon::controlService(bool start)

@@ -1,19 +1,30 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "clients/alienactivitymanager.h"
+#include "clients/aliendeviceidle.h"
+#include "clients/alienintent.h"
+#include "clients/alienpackagemanager.h"
+#include "clients/alienstoragestatsmanager.h"
+#include "clients/alientimezonemonitor.h"
+#include "clients/appsizeinfo.h"
+#include "daemon/packagemod.h"
 #include "launcher/apkmanager.h"
 #include "launcher/desktopmanager.h"
 
 #include <QDBusContext>
+#include <QList>
 #include <QObject>
 #include <QStringList>
+#include <QVariantMap>
 
 class ApkConfig;
 class QDir;
 class ServiceController;
 
 /// The daemon: owns all that speaks to the Android runtime and carries out what the system
-/// bus asks for, on the main thread. Its bus face is LumDaemonAdaptor.
+/// bus asks for, on the main thread. Its bus face is LumDaemonAdaptor. Requests that the
+/// stopped runtime cannot take are kept, in memory, until it is up.
 class LumDaemon : public QObject, protected QDBusContext
 {
     Q_OBJECT
@@ -32,21 +43,87 @@ Q_SIGNALS:
     void appStartOnBootupChanged(const QString &package, bool autoStartAllowed);
 
 public Q_SLOTS:
+    // Install and remove. True when the request was accepted, which is not yet success.
+    bool installFile(const QString &filename, PackageSource source = SourceDefault);
+    bool installPreloadFile(const QString &filename);
+    bool installPartnerSpaceFile(const QString &filename);
+    bool removeFile(const QString &filename);
+
     void controlService(bool start);
     void controlServiceAutostart(bool enable);
+
+    /// Passes @p mod to the runtime's package manager, connected or not.
+    void triggerPackageMod(const PackageMod &mod);
+
+    // App management. Without the runtime these do nothing and answer with a default.
+    quint64 getAndroidAppDataUsage();
+    bool getAppStartOnBootup(const QString &packageName);
+    void setAppStartOnBootup(const QString &packageName, bool autoStartAllowed);
+    AppSizeInfo getAppSize(const QString &packageName);
+    void deleteAppCacheFiles(const QString &packageName);
+    void clearAppUserData(const QString &packageName);
+    void forceStopApp(const QString &packageName);
+
+    // Launching.
+    void launchIntent(const QString &action, const QString &data, const QString &type,
+        const QString &packageName, const QString &className, const QString &category,
+        const QVariantMap &extras = QVariantMap());
+    void launchApp(const QString &packageName);
+    void openAppSettings(const QString &packageName);
+    void viewLicenses();
+
+    /// Tells the home screen, launcher by launcher, that the runtime is being upgraded.
+    void notifyRuntimeUpgrade(bool upgrading);
+
+    /// Shows the user a short message.
+    void publishNotification(const QString &text, bool isWarning);
+
+private Q_SLOTS:
+    void onNotifyInstallationResult(
+        bool success, const QString &packageName, const QString &message);
+    void onNotifyUninstallationResult(bool success, const QString &packageName);
+    void onAlienServiceAvailable(bool connected);
+    void onPackageManagerAvailable(bool connected);
+    void onActivityManagerAvailable(bool connected);
 
 private:
     void connectMembers();
     void prepareFolders();
     void claimBus();
 
+    bool isPrivilegedCaller() const;
+    bool isPackageChangeAllowed() const;
+
+    static void offerRuntime();
+    static bool stageFile(const QString &filename, const QString &target);
     /// The folder that apk files are staged in, made fit for use. What could not be done is
     /// logged.
-    QDir incomingDir();
+    QDir incomingDir() const;
+    QString stripDataRoot(const QString &path) const;
+    void uninstallRpmPackage(const QString &filename) const;
+
+    /// Asks for the runtime to be started when it is down or going down. Does not wait.
+    void startServiceIfNeeded();
+    bool isReadyForPackageMods();
+    void processDeferredMods();
+
+    void drainDeferredLaunches();
+    void queueIntent(const AlienIntent &intent);
+    void launchQueuedIntents();
+    void notifyLaunchPending(const QString &package);
 
     ApkManager m_apkManager;
+    AlienPackageManager m_packageManager;
+    AlienActivityManager m_activityManager;
+    AlienStorageStatsManager m_storageStatsManager;
+    AlienTimezoneMonitor m_tzMonitor;
+    AlienDeviceIdle m_deviceIdle;
     DesktopManager m_desktopManager;
     ServiceController *m_serviceController;
     QStringList m_spareList;
     ApkConfig *m_config;
+    QList<PackageMod> m_deferredMods;
+    QStringList m_deferredLaunches;
+    QList<AlienIntent> m_intentQueue;
+    bool m_intentQueueBusy = false;
 };

@@ -9,6 +9,7 @@
 
 #include <cstdio>
 
+#include <sys/prctl.h>
 #include <unistd.h>
 
 namespace {
@@ -48,6 +49,9 @@ int main(int argc, char *argv[])
     const std::optional<uid_t> uid = waitForActiveSeat();
     if (!uid)
         return NoSeatMonitor;
+
+    // One huge page in a thread's stack would be more memory than all that the daemon holds.
+    prctl(PR_SET_THP_DISABLE, 1, 0, 0, 0);
 
     // Before anything can open the session bus.
     const QString busAddress = userBusAddress(*uid);

@@ -3,8 +3,8 @@
 
 #include "runtime/logging.h"
 
+#include <QDBusAbstractInterface>
 #include <QDBusConnection>
-#include <QDBusInterface>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusReply>
@@ -24,6 +24,18 @@ constexpr char replaceMode[] = "replace";
 constexpr char activeState[] = "ActiveState";
 constexpr char subState[] = "SubState";
 constexpr char unitFileState[] = "UnitFileState";
+
+// A QDBusInterface would fetch and parse the introspection text of systemd's manager, which takes
+// more time and memory than all the rest of the start.
+class SystemdManager final : public QDBusAbstractInterface
+{
+public:
+    explicit SystemdManager(QObject *parent)
+        : QDBusAbstractInterface(QLatin1String(systemdService), QLatin1String(managerPath),
+            managerInterface, QDBusConnection::systemBus(), parent)
+    {
+    }
+};
 
 bool isEnabled(const QVariantMap &properties)
 {
@@ -54,9 +66,7 @@ ServiceController *ServiceController::instance()
     return controller;
 }
 
-ServiceController::ServiceController()
-    : m_manager(new QDBusInterface(QLatin1String(systemdService), QLatin1String(managerPath),
-        QLatin1String(managerInterface), QDBusConnection::systemBus(), this))
+ServiceController::ServiceController() : m_manager(new SystemdManager(this))
 {
     // Without a subscriber systemd emits no signals about its units.
     m_manager->call(QStringLiteral("Subscribe"));

@@ -4,7 +4,7 @@
 #include <QObject>
 #include <QVariantMap>
 
-class QDBusInterface;
+class QDBusAbstractInterface;
 
 /// The daemon's one view of the Android runtime's systemd unit: a mirror of its state, and
 /// the four requests that change it. Lives on the main thread, until the process ends.
@@ -43,7 +43,7 @@ private Q_SLOTS:
 private:
     ServiceController();
 
-    QDBusInterface *m_manager;
+    QDBusAbstractInterface *m_manager;
     QString m_unitPath;
     QString m_serviceState;
     bool m_serviceEnabled = false;

@@ -203,6 +203,19 @@ class CheckRulesTest(TreeTest):
         self.write('tests/CMakeLists.txt', CMAKE + 'lum_add_test(config/tst_other.cpp)\n')
         self.assert_finds('config/names.cpp: has no test tests/config/tst_names.cpp')
 
+    def testFlowMayHaveItsOwnTest(self):
+        self.run_in_tree('mv', 'config/names.cpp', 'config/all_names.cpp')
+        self.write('CMakeLists.txt', CMAKE + 'add_executable(some config/all_names.cpp)\n')
+        self.assert_clean()
+
+    def testTestMayBeNamedAfterTheLibrary(self):
+        self.write('platform/names/any.cpp', source())
+        self.write('platform/CMakeLists.txt', CMAKE + 'add_library(names names/any.cpp)\n')
+        self.assert_finds('platform/names/any.cpp: has no test tests/platform/tst_any.cpp')
+        self.write('tests/platform/tst_names.cpp', source())
+        self.write('tests/platform/CMakeLists.txt', CMAKE + 'lum_add_test(tst_names.cpp)\n')
+        self.assert_clean()
+
     def testTestMayBeSplit(self):
         self.run_in_tree('mv', 'tests/config/tst_names.cpp', 'tests/config/tst_names_odd.cpp')
         self.write('tests/CMakeLists.txt', CMAKE + 'lum_add_test(config/tst_names_odd.cpp)\n')

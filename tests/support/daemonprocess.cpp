@@ -8,6 +8,7 @@
 #include <QTimer>
 #include <QtTest>
 
+#include <csignal>
 #include <cstdio>
 
 DaemonProcess::DaemonProcess()
@@ -28,7 +29,7 @@ DaemonProcess::DaemonProcess()
 
 DaemonProcess::~DaemonProcess()
 {
-    m_process.kill();
+    kill();
     if (!QTest::currentTestFailed())
         return;
     for (const QString &line : m_process.lines())
@@ -72,6 +73,13 @@ void DaemonProcess::signal(int number)
 
 void DaemonProcess::kill()
 {
+#ifdef MEASURES_COVERAGE
+    if (isRunning()) {
+        constexpr int patience = 5000;
+        m_process.signal(SIGUSR2); // tests/coverage/countsatend.cpp
+        m_process.waitForExit(patience);
+    }
+#endif
     m_process.kill();
 }
 

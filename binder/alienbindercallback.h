@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "binder/gbinderhandles.h"
+
+#include <QObject>
+
+class AlienBinderParcel;
+
+/// What the runtime's calls on an AlienBinderCallback end up in.
+class AlienBinderRequestHandler
+{
+public:
+    virtual ~AlienBinderRequestHandler() = default;
+    /// Reads the arguments from @p in and writes the results to @p out. False for a call that
+    /// it does not know.
+    virtual bool processRequest(quint32 code, AlienBinderParcel *in, AlienBinderParcel *out) = 0;
+};
+
+/// A local object that the daemon hands to the runtime in a call, so that the runtime can
+/// call back.
+class AlienBinderCallback : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// @p interface is a literal; @p handler is not owned and must outlive the object.
+    AlienBinderCallback(GBinderServiceManager *manager, const char *interface,
+        AlienBinderRequestHandler *handler, QObject *parent);
+
+    /// To be written into the call; owned by this object. Null once the link has gone.
+    GBinderLocalObject *localObject() const { return m_localObject.get(); }
+
+public Q_SLOTS:
+    /// Drops the local object when the link has gone: it cannot outlive the link.
+    void onConnectionChanged(bool connected);
+
+private:
+    static GBinderLocalReply *transact(GBinderLocalObject *object, GBinderRemoteRequest *request,
+        guint code, guint flags, int *status, void *callback);
+
+    GBinder::LocalObject m_localObject;
+    AlienBinderRequestHandler *m_handler;
+};

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "runtime/runtimeoffer.h"
+
+#include <vsu.h>
+#include <vsurepomanager.h>
+
+#include <QFile>
+#include <QStringList>
+
+#include <systemd/sd-login.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr char package[] = "aliendalvik";
+constexpr int failed = 1;
+
+// The device mode in which the development repositories are in use.
+constexpr int rndMode = 2;
+
+int reportFailure()
+{
+    std::fprintf(stderr, "Could not install ACL package: %s\n", package);
+    return failed;
+}
+
+int runLauncher()
+{
+    uid_t uid = 0;
+    if (sd_seat_get_active("seat0", nullptr, &uid) >= 0 && setuid(uid) != 0) {
+        std::fprintf(stderr, "Could not setuid to logged-in user");
+        return failed;
+    }
+    execl("/usr/bin/invoker", "invoker", "--type=sorbel-qt5", "--no-wait", "/usr/bin/store-client",
+        "showApp", package, nullptr);
+    return reportFailure();
+}
+
+int waitForLauncher(pid_t launcher)
+{
+    int status = 0;
+    if (waitpid(launcher, &status, 0) < 0) {
+        std::fprintf(
+            stderr, "Could not install ACL package: %s (%s)\n", package, std::strerror(errno));
+        return failed;
+    }
+    if (!WIFEXITED(status))
+        return reportFailure();
+    return WEXITSTATUS(status);
+}
+
+} // namespace
+
+bool runtimeImageExists()
+{
+    return QFile::exists(QStringLiteral("/opt/alien/system.img"));
+}
+
+bool runtimeInRepos()
+{
+    const VsuRepoManager manager;
+    const bool rnd = Vsu().deviceMode() == rndMode;
+    constexpr int noFilter = 0;
+    return manager.repos(rnd, noFilter).contains(QLatin1String(package));
+}
+
+int offerRuntimePackage()
+{
+    const pid_t launcher = fork();
+    if (launcher < 0)
+        return reportFailure();
+    return launcher == 0 ? runLauncher() : waitForLauncher(launcher);
+}

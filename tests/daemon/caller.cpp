@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// A program of some user that calls the daemon, as the tests of the caller checks need it:
+//
+//     caller UID GID MANNER METHOD ARGUMENT
+//
+// MANNER is "plain", "hidden" (it forbids others to look at its memory) or "hasty" (it is gone
+// before the answer). It prints the result: "true", "false", "done" or an error's words.
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+
+#include <grp.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+// A member of "disk" beside its own group, which must not count.
+bool become(uid_t uid, gid_t gid)
+{
+    if (getuid() == uid && getgid() == gid)
+        return true;
+    constexpr gid_t disk = 6;
+    return setgroups(1, &disk) == 0 && setgid(gid) == 0 && setuid(uid) == 0;
+}
+
+QString resultOf(const QDBusMessage &reply)
+{
+    if (reply.type() != QDBusMessage::ReplyMessage)
+        return reply.errorName() + QStringLiteral(": ") + reply.errorMessage();
+    if (reply.arguments().isEmpty())
+        return QStringLiteral("done");
+    return reply.arguments().first().toString();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc != 6
+        || !become(static_cast<uid_t>(std::atoi(argv[1])), static_cast<gid_t>(std::atoi(argv[2]))))
+        return EXIT_FAILURE;
+    const QByteArray manner(argv[3]);
+    if (manner == "hidden")
+        prctl(PR_SET_DUMPABLE, 0);
+
+    const QCoreApplication application(argc, argv);
+    QDBusMessage message = QDBusMessage::createMethodCall(QStringLiteral("com.tovra.lumd"),
+        QStringLiteral("/com/tovra/lumd"), QStringLiteral("com.tovra.lumd"),
+        QString::fromUtf8(argv[4]));
+    message.setArguments({QString::fromUtf8(argv[5])});
+    QDBusConnection bus = QDBusConnection::systemBus();
+    if (manner == "hasty") {
+        bus.send(message);
+        // Answered when the bus has passed on what came before.
+        bus.interface()->isServiceRegistered(QStringLiteral("com.tovra.lumd"));
+    } else {
+        std::printf("%s\n", qPrintable(resultOf(bus.call(message))));
+    }
+    std::fflush(stdout);
+    // A process that hides cannot be looked through for leaks.
+    _exit(EXIT_SUCCESS);
+}

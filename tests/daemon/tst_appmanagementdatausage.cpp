@@ -1,0 +1,198 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "tests/daemon/appfixture.h"
+#include "tests/support/testmain.h"
+#include "tests/support/testnamespace.h"
+
+#include <QDir>
+
+#include <csignal>
+#include <unistd.h>
+
+namespace {
+
+const QString du = QStringLiteral("/usr/bin/du");
+const QString arguments = QStringLiteral("/run/du-arguments");
+const QString processId = QStringLiteral("/run/du-process");
+const QString deadlineHasPassed = QStringLiteral("/run/deadline-has-passed");
+const QString noAnswer = QStringLiteral("warning Could not determine android app data usage");
+
+QString usage()
+{
+    const QDBusMessage reply = DaemonFixture::call(QStringLiteral("getAndroidAppDataUsage"));
+    const QString result = reply.arguments().value(0).toString();
+    return errorOf(reply) + reply.signature() + QLatin1Char(' ') + result;
+}
+
+} // namespace
+
+class TestAppManagementDataUsage : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void cleanup();
+
+    void firstNumberIsTheAnswer_data();
+    void firstNumberIsTheAnswer();
+    void toolIsAskedAboutTheFolderOfTheApps_data();
+    void toolIsAskedAboutTheFolderOfTheApps();
+    void realToolCountsTheFolder();
+    void toolThatCannotRunGivesNothing_data();
+    void toolThatCannotRunGivesNothing();
+    void toolIsGivenHalfAMinute_data();
+    void toolIsGivenHalfAMinute();
+
+private:
+    std::unique_ptr<AppFixture> m_world;
+};
+
+void TestAppManagementDataUsage::initTestCase()
+{
+    m_world = std::make_unique<AppFixture>();
+}
+
+void TestAppManagementDataUsage::cleanup()
+{
+    m_world->renew();
+}
+
+void TestAppManagementDataUsage::firstNumberIsTheAnswer_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::addColumn<QString>("bytes");
+    QTest::addColumn<bool>("isWarned");
+    const auto row = [](const char *title, const char *script, const char *bytes, bool isWarned) {
+        QTest::newRow(title) << QByteArray(script) << QString::fromLatin1(bytes) << isWarned;
+    };
+    row("number, tab, path", "printf '4096\\t/home\\n'", "4096", false);
+    row("number and tab", "printf '4096\\t'", "4096", false);
+    row("above 32 bits", "printf '5000000000\\t/home\\n'", "5000000000", false);
+    row("greatest number", "printf '18446744073709551615\\t'", "18446744073709551615", false);
+    row("too great a number", "printf '18446744073709551616\\t'", "0", false);
+    row("several lines", "printf '1\\t/a\\n2\\t/b\\n'", "1", false);
+    row("zero", "printf '0\\t/home\\n'", "0", false);
+    row("negative", "printf -- '-1\\t/home\\n'", "0", false);
+    row("not a number", "printf 'much\\t/home\\n'", "0", false);
+    row("hexadecimal", "printf '0x10\\t/home\\n'", "0", false);
+    row("not a whole number", "printf '1.5\\t/home\\n'", "0", false);
+    row("tab alone", "printf '\\t'", "0", false);
+    row("total in spite of a failure", "printf '4096\\t/home\\n'; exit 1", "4096", false);
+    row("errors beside the total", "echo 'cannot read /a' >&2; printf '7\\t/home\\n'; exit 1", "7",
+        false);
+    row("no tab", "printf '4096 /home\\n'", "0", true);
+    row("nothing", "exit 0", "0", true);
+    row("failure alone", "exit 1", "0", true);
+    row("killed", "printf '4096\\t/home\\n'; kill -9 $$", "0", true);
+}
+
+void TestAppManagementDataUsage::firstNumberIsTheAnswer()
+{
+    QFETCH(QByteArray, script);
+    QFETCH(QString, bytes);
+    QFETCH(bool, isWarned);
+    TestNamespace::replaceProgram(du, "#!/bin/sh\n" + script + '\n');
+    QVERIFY(m_world->start());
+    QCOMPARE(usage(), QStringLiteral("t ") + bytes);
+    QCOMPARE(DaemonFixture::settle(), true);
+    QTRY_COMPARE(m_world->daemonLines(), isWarned ? QStringList{noAnswer} : QStringList());
+}
+
+void TestAppManagementDataUsage::toolIsAskedAboutTheFolderOfTheApps_data()
+{
+    QTest::addColumn<QString>("root");
+    QTest::addColumn<QString>("folder");
+    QTest::newRow("usual root") << QString() << QStringLiteral("/home/.android/data/data/");
+    QTest::newRow("root with blanks")
+        << QStringLiteral("/run/a b") << QStringLiteral("/run/a b/data/data/");
+}
+
+void TestAppManagementDataUsage::toolIsAskedAboutTheFolderOfTheApps()
+{
+    QFETCH(QString, root);
+    QFETCH(QString, folder);
+    TestNamespace::replaceProgram(
+        du, "#!/bin/sh\nprintf '%s\\n' \"$0\" \"$@\" > " + arguments.toLatin1() + '\n');
+    if (!root.isNull())
+        m_world->daemon->setEnvironment(QStringLiteral("ANDROID_DATA_ROOT"), root);
+    QVERIFY(m_world->start());
+    usage();
+    QCOMPARE(QString::fromUtf8(fileContents(arguments)),
+        QStringLiteral("/usr/bin/du\n-sxb\n%1\n").arg(folder));
+}
+
+void TestAppManagementDataUsage::realToolCountsTheFolder()
+{
+    const QString folder = QStringLiteral("/home/.android/data/data/");
+    makeFile(folder + QStringLiteral("com.foo/a"), QByteArray(5000, 'a'));
+    makeFile(folder + QStringLiteral("com.foo/b/c"), QByteArray(3, 'a'));
+    const qint64 folders = QFileInfo(folder).size()
+        + QFileInfo(folder + QStringLiteral("com.foo")).size()
+        + QFileInfo(folder + QStringLiteral("com.foo/b")).size();
+    QVERIFY(m_world->start());
+    QCOMPARE(usage(), QStringLiteral("t %1").arg(folders + 5003));
+    QVERIFY(QDir(folder).removeRecursively());
+    QCOMPARE(usage(), QStringLiteral("t 0"));
+    QTRY_COMPARE(m_world->daemonLines(), QStringList{noAnswer});
+}
+
+void TestAppManagementDataUsage::toolThatCannotRunGivesNothing_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::addColumn<bool>("isExecutable");
+    QTest::newRow("missing interpreter") << QByteArray("#!/run/no-such-program\n") << true;
+    QTest::newRow("not executable") << QByteArray("#!/bin/sh\nprintf '1\\t'\n") << false;
+}
+
+void TestAppManagementDataUsage::toolThatCannotRunGivesNothing()
+{
+    QFETCH(QByteArray, script);
+    QFETCH(bool, isExecutable);
+    TestNamespace::replaceProgram(du, script);
+    if (!isExecutable)
+        QVERIFY(QFile::setPermissions(du, QFileDevice::ReadOwner));
+    QVERIFY(m_world->start());
+    QCOMPARE(usage(), QStringLiteral("t 0"));
+    QTRY_COMPARE(m_world->daemonLines(), QStringList{noAnswer});
+}
+
+void TestAppManagementDataUsage::toolIsGivenHalfAMinute_data()
+{
+    QTest::addColumn<QByteArray>("printed");
+    QTest::addColumn<QString>("bytes");
+    QTest::newRow("total printed")
+        << QByteArray("printf '7\\t/home\\n'\n") << QStringLiteral("t 7");
+    QTest::newRow("nothing printed") << QByteArray() << QStringLiteral("t 0");
+}
+
+void TestAppManagementDataUsage::toolIsGivenHalfAMinute()
+{
+    QFETCH(QByteArray, printed);
+    QFETCH(QString, bytes);
+    QFile::remove(deadlineHasPassed);
+    TestNamespace::replaceProgram(du,
+        "#!/bin/sh\n" + printed + "echo $$ > " + processId.toLatin1() + "\n: > "
+            + deadlineHasPassed.toLatin1() + "\nexec tail -f /dev/null\n");
+    m_world->daemon->setEnvironment(QStringLiteral("LD_PRELOAD"), QStringLiteral(SHORT_WAITS_PATH));
+    m_world->daemon->setEnvironment(QStringLiteral("DEADLINE_HAS_PASSED"), deadlineHasPassed);
+    m_world->daemon->setEnvironment(QStringLiteral("ASAN_OPTIONS"),
+        qEnvironmentVariable("ASAN_OPTIONS") + QStringLiteral(":verify_asan_link_order=0"));
+    QVERIFY(m_world->start());
+    QCOMPARE(usage(), bytes);
+    const QStringList expected = printed.isEmpty() ? QStringList{noAnswer} : QStringList();
+    QTRY_COMPARE(m_world->daemonLines(), expected);
+
+    // The first wait has the whole deadline, but for what the start took.
+    const QRegularExpression wait(QStringLiteral("^wait (\\d+)$"));
+    const QStringList waits = m_world->daemon->lines().filter(wait);
+    QVERIFY(!waits.isEmpty());
+    const int deadline = wait.match(waits.first()).captured(1).toInt();
+    QVERIFY2(deadline > 25000 && deadline <= 30000, qPrintable(waits.first()));
+    // It does not live on.
+    const pid_t process = fileContents(processId).trimmed().toInt();
+    QVERIFY(process > 0);
+    QTRY_COMPARE(kill(process, 0), -1);
+}
+
+LUM_TEST_MAIN(TestAppManagementDataUsage)
+#include "tst_appmanagementdatausage.moc"

@@ -1,0 +1,240 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "tests/daemon/appfixture.h"
+#include "tests/support/testmain.h"
+
+#include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusPendingCall>
+#include <QDir>
+
+#include <optional>
+
+namespace {
+
+const QString applications = QStringLiteral("/usr/share/applications/");
+
+/// The home screen, on one user's bus; it answers from the event loop.
+class HomeScreen : public QObject, protected QDBusContext
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.teskmobile.glossbar.LauncherModel")
+
+public:
+    enum class Manner { Answers, Refuses };
+
+    explicit HomeScreen(const QString &busAddress, Manner manner = Manner::Answers);
+    ~HomeScreen() override { QDBusConnection::disconnectFromBus(m_bus.name()); }
+
+    /// "METHOD(ARGUMENT, ...)"
+    QStringList calls() const { return m_calls; }
+
+public Q_SLOTS:
+    void updatingStarted(
+        const QString &name, const QString &second, const QString &third, const QString &path);
+    void updatingFinished(const QString &name);
+
+private:
+    void record(const QString &text);
+
+    QDBusConnection m_bus;
+    Manner m_manner;
+    QStringList m_calls;
+};
+
+HomeScreen::HomeScreen(const QString &busAddress, Manner manner)
+    : m_bus(QDBusConnection::connectToBus(
+        busAddress, QStringLiteral("homescreen-%1").arg(quintptr(this)))),
+      m_manner(manner)
+{
+    if (!m_bus.registerObject(
+            QStringLiteral("/LauncherModel"), this, QDBusConnection::ExportAllSlots)
+        || !m_bus.registerService(QStringLiteral("org.teskmobile.glossbar")))
+        qFatal("home screen: %s", qPrintable(m_bus.lastError().message()));
+}
+
+void HomeScreen::updatingStarted(
+    const QString &name, const QString &second, const QString &third, const QString &path)
+{
+    record(QStringLiteral("updatingStarted(%1, %2, %3, %4)").arg(name, second, third, path));
+}
+
+void HomeScreen::updatingFinished(const QString &name)
+{
+    record(QStringLiteral("updatingFinished(%1)").arg(name));
+}
+
+void HomeScreen::record(const QString &text)
+{
+    m_calls.append(text);
+    if (m_manner == Manner::Refuses)
+        sendErrorReply(QDBusError::Failed, QStringLiteral("no"));
+}
+
+QString started(const QString &name, const QString &path)
+{
+    return QStringLiteral("updatingStarted(%1, , , %2)").arg(name, path);
+}
+
+QString finished(const QString &name)
+{
+    return QStringLiteral("updatingFinished(%1)").arg(name);
+}
+
+QString makeEntry(const QString &name, const QByteArray &package)
+{
+    const QString path = applications + name + QStringLiteral(".desktop");
+    makeFile(path, "[Desktop Entry]\nName=a\nX-lumd-packageName=" + package + '\n');
+    return path;
+}
+
+/// Calls the method, while the event loop turns; gives the error's words, or nothing.
+QString notify(bool isUpgrading)
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(QStringLiteral("com.tovra.lumd"),
+        QStringLiteral("/com/tovra/lumd"), QStringLiteral("com.tovra.lumd"),
+        QStringLiteral("notifyRuntimeUpgrade"));
+    message << isUpgrading;
+    const QDBusPendingCall call = QDBusConnection::systemBus().asyncCall(message);
+    if (!QTest::qWaitFor([&call] { return call.isFinished(); }, 20000))
+        return QStringLiteral("no reply");
+    return errorOf(call.reply());
+}
+
+} // namespace
+
+class TestUpgrade : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void homeScreenIsToldOfEachLauncher();
+    void nameStopsAtTheFirstDot();
+    void noLauncherMeansNoCall();
+    void refusalEndsNothing();
+    void absentHomeScreenIsSurvived();
+    void busIsThatOfTheUserOnTheSeat();
+    void runtimeIsNotStarted();
+
+private:
+    std::unique_ptr<AppFixture> m_world;
+};
+
+void TestUpgrade::initTestCase()
+{
+    m_world = std::make_unique<AppFixture>();
+}
+
+void TestUpgrade::init()
+{
+    const QStringList names = QDir(applications).entryList(QDir::Files);
+    for (const QString &name : names)
+        QVERIFY(QFile::remove(applications + name));
+}
+
+void TestUpgrade::cleanup()
+{
+    m_world->renew();
+}
+
+void TestUpgrade::homeScreenIsToldOfEachLauncher()
+{
+    // By package, and for one package by file.
+    const QString z = QStringLiteral("lumd_launcher_z-z");
+    const QString y = QStringLiteral("lumd_launcher_y-y");
+    const QString x = QStringLiteral("lumd_launcher_x-x");
+    const QString zPath = makeEntry(z, "com.a");
+    const QString yPath = makeEntry(y, "com.b");
+    const QString xPath = makeEntry(x, "com.b");
+    makeEntry(QStringLiteral("other_x-x"), "com.b");
+    const HomeScreen homeScreen(m_world->userBus.address());
+    QVERIFY(m_world->start());
+
+    QCOMPARE(notify(true), QString());
+    const QStringList begin{started(z, zPath), started(x, xPath), started(y, yPath)};
+    QCOMPARE(homeScreen.calls(), begin);
+    QCOMPARE(notify(false), QString());
+    QCOMPARE(homeScreen.calls(), begin + QStringList({finished(z), finished(x), finished(y)}));
+    QTRY_COMPARE(m_world->daemonLines(),
+        QStringList({QStringLiteral("debug notifyRuntimeUpgrade: true"),
+            QStringLiteral("debug notifyRuntimeUpgrade: false")}));
+}
+
+void TestUpgrade::nameStopsAtTheFirstDot()
+{
+    const QString path = makeEntry(QStringLiteral("lumd_launcher_a.b"), "a.b");
+    const HomeScreen homeScreen(m_world->userBus.address());
+    QVERIFY(m_world->start());
+    QCOMPARE(notify(true), QString());
+    QCOMPARE(notify(false), QString());
+    const QString name = QStringLiteral("lumd_launcher_a");
+    QCOMPARE(homeScreen.calls(), QStringList({started(name, path), finished(name)}));
+}
+
+void TestUpgrade::noLauncherMeansNoCall()
+{
+    const HomeScreen homeScreen(m_world->userBus.address());
+    QVERIFY(m_world->start());
+    QCOMPARE(notify(true), QString());
+    QCOMPARE(homeScreen.calls(), QStringList());
+}
+
+void TestUpgrade::refusalEndsNothing()
+{
+    const QString a = QStringLiteral("lumd_launcher_a-a");
+    const QString b = QStringLiteral("lumd_launcher_b-b");
+    const QString aPath = makeEntry(a, "a");
+    const QString bPath = makeEntry(b, "b");
+    const HomeScreen homeScreen(m_world->userBus.address(), HomeScreen::Manner::Refuses);
+    QVERIFY(m_world->start());
+    QCOMPARE(notify(true), QString());
+    QCOMPARE(homeScreen.calls(), QStringList({started(a, aPath), started(b, bPath)}));
+}
+
+void TestUpgrade::absentHomeScreenIsSurvived()
+{
+    const QString name = QStringLiteral("lumd_launcher_a-a");
+    const QString path = makeEntry(name, "a");
+    QVERIFY(m_world->start());
+    QCOMPARE(notify(true), QString());
+    QTRY_COMPARE(
+        m_world->daemonLines(), QStringList{QStringLiteral("debug notifyRuntimeUpgrade: true")});
+    // One that has come meanwhile is found.
+    const HomeScreen homeScreen(m_world->userBus.address());
+    QCOMPARE(notify(true), QString());
+    QCOMPARE(homeScreen.calls(), QStringList{started(name, path)});
+}
+
+void TestUpgrade::busIsThatOfTheUserOnTheSeat()
+{
+    const QString name = QStringLiteral("lumd_launcher_a-a");
+    const QString path = makeEntry(name, "a");
+    const PrivateBus otherBus(PrivateBus::Kind::User, 1001);
+    const HomeScreen homeScreen(m_world->userBus.address());
+    const HomeScreen otherScreen(otherBus.address());
+    m_world->daemon->setEnvironment(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), otherBus.address());
+    QVERIFY(m_world->start());
+    QCOMPARE(notify(true), QString());
+    QCOMPARE(homeScreen.calls(), QStringList{started(name, path)});
+    QCOMPARE(otherScreen.calls(), QStringList());
+}
+
+void TestUpgrade::runtimeIsNotStarted()
+{
+    makeEntry(QStringLiteral("lumd_launcher_a-a"), "a");
+    QVERIFY(m_world->start());
+    m_world->systemd.clearCalls();
+    QCOMPARE(notify(true), QString());
+    QCOMPARE(notify(false), QString());
+    // What was sent before this has arrived when it has.
+    DaemonFixture::call(QStringLiteral("controlServiceAutostart"), {false});
+    QVERIFY(m_world->systemd.waitForCall(QStringLiteral("DisableUnitFiles")));
+    QCOMPARE(m_world->starts(), 0);
+    QCOMPARE(m_world->notifications.texts(), QStringList());
+}
+
+LUM_TEST_MAIN(TestUpgrade)
+#include "tst_upgrade.moc"
