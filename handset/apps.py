@@ -47,6 +47,10 @@ class App:
             } for launcher in self.launchers],
         })
 
+    def apk(self, **extra):
+        """The app as a file that the simulated runtime takes for an apk."""
+        return json.dumps({**json.loads(self.to_json()), **extra})
+
     def files(self, hidden=False, partner_space=False):
         """Every file that the daemon makes from this app: path to bytes."""
         found = {}

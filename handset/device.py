@@ -18,14 +18,26 @@ LUMD = "lumd.service"
 RUNTIME = "aliendalvik.service"
 BUS_NAME = "com.tovra.lumd"
 OBJECT_PATH = "/com/tovra/lumd"
+# Makes calls shorter to type, and to read.
+SHORTHAND = f'lumd() {{ busctl call {BUS_NAME} {OBJECT_PATH} {BUS_NAME} "$@"; }}'
 RUNTIME_APPS = "/var/lib/alien-runtime/apps"
 RUNTIME_CONFIG = "/etc/alien-runtime.conf"
 BLACKLIST = "/etc/lumd/app-blacklist"
 MARKERS = "/usr/share/lumd/partnerspace"
+POLICY = "/etc/lumd/platform/policy.conf"
+
+# Folders that lumd and the runtime share, and how the runtime calls the first.
+INCOMING = "/home/.android/data/aas-staging/app/incoming"
+PACKAGED = "/home/.android/data/aas-staging/app/packaged"
+APP_DATA = "/home/.android/data/data"
+RUNTIME_INCOMING = "/data/aas-staging/app/incoming"
 
 # The daemon's debug lines are on, so that scenarios see what it saw.
 VERBOSE = "/run/systemd/system/lumd.service.d/verbose.conf"
 VERBOSE_TEXT = "[Service]\nEnvironment=QT_LOGGING_RULES=com.tovra.lumd.*.debug=true\n"
+
+# Services of the runtime to which lumd keeps a connection.
+PERSISTENT_SERVICES = ("package", "activity", "alarm", "alien")
 
 # Longest time that anything on the handset may take to happen.
 PATIENCE = 120
@@ -59,7 +71,8 @@ class Device:
             systemctl disable --quiet {RUNTIME}
             systemctl reset-failed
             rm -rf {APPLICATIONS}/lumd_launcher_* {ICONS}/* {SETTINGS}/* {RUNTIME_APPS}/*
-            rm -rf {RUNTIME_CONFIG} {BLACKLIST} {MARKERS}/*
+            rm -rf {RUNTIME_CONFIG} {BLACKLIST} {MARKERS}/* {POLICY}
+            rm -rf {INCOMING}/* {PACKAGED}/* {APP_DATA}
             {write_script(files)}
             systemctl daemon-reload
             journalctl --sync
@@ -133,7 +146,8 @@ class Device:
 
     def call(self, method, *arguments, user="root"):
         """Calls a method of lumd over the bus; gives the CompletedProcess of busctl."""
-        command = ["busctl", "call", BUS_NAME, OBJECT_PATH, BUS_NAME, method, *arguments]
+        command = ["busctl", "call", "--", BUS_NAME, OBJECT_PATH, BUS_NAME, method,
+                   *arguments]
         if user != "root":
             command = ["setpriv", f"--reuid={user}", f"--regid={user}", "--init-groups",
                        *command]
@@ -145,6 +159,17 @@ class Device:
         """Asks the runtime through its control client; gives its answer."""
         result = self.machine.shell(shlex.join(["alienctl", *command]), check=check)
         return json.loads(result.stdout)
+
+    def calls(self, *services):
+        """The binder calls that the runtime got, of some services or all, oldest first."""
+        return [call for call in self.runtime("calls")["calls"]
+                if not services or call["service"] in services]
+
+    def wait_event(self, event, *values, after=0):
+        """Waits for an event of the runtime; gives it."""
+        answer = self.runtime("wait", event, *values, "--after", str(after),
+                              "--timeout", str(PATIENCE))
+        return answer["found"]
 
     def announce(self, app):
         """Has the runtime announce an app, also one that it did not know."""

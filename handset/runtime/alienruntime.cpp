@@ -2,7 +2,12 @@
 #include "alienruntime.h"
 
 #include "launchercalls.h"
+#include "services/activityservice.h"
 #include "services/alienservice.h"
+#include "services/deviceidleservice.h"
+#include "services/packageservice.h"
+#include "services/storagestatsservice.h"
+#include "services/surfaceflingerservice.h"
 
 #include <QCoreApplication>
 #include <QTimer>
@@ -31,7 +36,11 @@ const char *serviceManagerProtocol(int sdk)
 } // namespace
 
 AlienRuntime::AlienRuntime(const RuntimeConfig &config)
-    : m_config(config), m_apps(QStringLiteral("/var/lib/alien-runtime/apps")), m_launcher(&m_log)
+    : m_config(config),
+      m_apps(QStringLiteral("/var/lib/alien-runtime/apps")),
+      m_windows(config.windowPolls),
+      m_launcher(&m_log),
+      m_installer({&m_apps, &m_windows, &m_launcher, &m_log}, config.installDelay)
 {
     connect(&m_serviceManagerProcess, &ServiceManagerProcess::eventReceived, this,
         &AlienRuntime::onServiceManagerEvent);
@@ -76,6 +85,29 @@ void AlienRuntime::onServiceManagerEvent(const QJsonObject &event)
     }
 }
 
+AndroidService *AlienRuntime::service(const QString &name) const
+{
+    const auto found = std::find_if(m_services.cbegin(), m_services.cend(),
+        [&name](const auto &service) { return service->name() == name; });
+    return found == m_services.cend() ? nullptr : found->get();
+}
+
+void AlienRuntime::makeServices()
+{
+    const int sdk = m_config.sdk;
+    // in the order in which they come up while Android boots
+    m_services.push_back(std::make_unique<SurfaceFlingerService>(sdk, &m_log, &m_windows));
+    m_services.push_back(std::make_unique<PackageService>(sdk, &m_log, &m_apps, &m_installer));
+    m_services.push_back(std::make_unique<ActivityService>(sdk, &m_log, &m_apps, &m_windows));
+    auto alarm = std::make_unique<AlarmService>(sdk, &m_log);
+    m_alarm = alarm.get();
+    m_services.push_back(std::move(alarm));
+    m_services.push_back(std::make_unique<StorageStatsService>(sdk, &m_log, &m_apps));
+    m_services.push_back(std::make_unique<DeviceIdleService>(sdk, &m_log, &m_apps));
+    m_services.push_back(std::make_unique<AlienService>(
+        sdk, &m_log, &m_installer, &m_windows, m_config.installAnswer));
+}
+
 void AlienRuntime::publishServices()
 {
     m_serviceManager.reset(gbinder_servicemanager_new2(
@@ -84,8 +116,7 @@ void AlienRuntime::publishServices()
         fail(QStringLiteral("the service manager does not answer"));
         return;
     }
-    m_services.push_back(
-        std::make_unique<AlienService>(m_config.sdk, &m_log, m_config.installAnswer));
+    makeServices();
     for (const auto &service : m_services) {
         if (!service->publish(m_serviceManager.get())) {
             fail(QStringLiteral("could not register \"%1\"").arg(service->name()));

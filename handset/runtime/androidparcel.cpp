@@ -34,6 +34,14 @@ qint64 AndroidParcel::readInt64()
     return value;
 }
 
+double AndroidParcel::readDouble()
+{
+    double value = 0;
+    if (const char *bytes = take(sizeof(value)))
+        std::memcpy(&value, bytes, sizeof(value));
+    return value;
+}
+
 bool AndroidParcel::readBool()
 {
     const qint32 value = readInt32();
@@ -50,6 +58,13 @@ QString AndroidParcel::readString16()
     if (length < 0) {
         fail(QStringLiteral("string16 of length %1").arg(length));
         return {};
+    }
+    if (length == 0) {
+        // libgbinder, of all strings, fills the padding of the empty one with ones
+        const qint32 terminator = readInt32();
+        if (terminator != 0 && terminator != qint32(0xffff0000))
+            fail(QStringLiteral("empty string16 without terminator"));
+        return QStringLiteral("");
     }
     const qint64 textBytes = qint64(length) * qint64(sizeof(char16_t));
     const char *bytes = take(textBytes + qint64(sizeof(char16_t)));
@@ -81,7 +96,7 @@ QByteArray AndroidParcel::readByteArray()
 
 AndroidParcel::Binder AndroidParcel::readBinder()
 {
-    const auto offset = quint64(m_position);
+    const qint64 offset = m_position;
     const char *bytes = take(sizeof(flat_binder_object));
     if (!bytes)
         return {};
@@ -89,15 +104,15 @@ AndroidParcel::Binder AndroidParcel::readBinder()
     std::memcpy(&object, bytes, sizeof(object));
     if (object.hdr.type == BINDER_TYPE_BINDER && object.binder == 0 && object.cookie == 0)
         return {};
-    if (m_objects && !m_objects->contains(offset)) {
+    if (m_objects && !m_objects->contains(quint64(offset))) {
         fail(QStringLiteral("object that the driver did not record"));
         return {};
     }
     switch (object.hdr.type) {
     case BINDER_TYPE_HANDLE:
-        return {Binder::Kind::Remote, object.handle};
+        return {Binder::Kind::Remote, object.handle, offset};
     case BINDER_TYPE_BINDER:
-        return {Binder::Kind::Local, 0};
+        return {Binder::Kind::Local, 0, offset};
     default:
         fail(QStringLiteral("object of type 0x%1").arg(object.hdr.type, 8, 16, QLatin1Char('0')));
         return {};

@@ -24,6 +24,7 @@ public:
         };
         Kind kind = Kind::Null;
         quint32 handle = 0;
+        qint64 offset = 0; ///< where it lies in the transaction buffer
     };
 
     /// @param data the whole transaction buffer.
@@ -33,6 +34,7 @@ public:
 
     qint32 readInt32();
     qint64 readInt64();
+    double readDouble();
     bool readBool();
     /// @return a null QString for Android's null string, an empty one for "".
     QString readString16();
@@ -40,6 +42,8 @@ public:
     QByteArray readByteArray();
     Binder readBinder();
 
+    /// Number of bytes read so far.
+    qint64 position() const { return m_position; }
     /// Notes a failure at the place reached; only the first one is kept.
     void fail(const QString &reason);
     /// Ends the reading: whatever is left unread is a failure.

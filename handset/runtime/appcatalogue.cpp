@@ -23,6 +23,11 @@ QJsonValue json(const QString &text)
     return text.isNull() ? QJsonValue() : QJsonValue(text);
 }
 
+qint64 bytes(const QJsonObject &json, const char *key)
+{
+    return qint64(json.value(QLatin1String(key)).toDouble());
+}
+
 bool readIcon(const QJsonObject &launcher, const QString &folder, QByteArray *icon, QString *error)
 {
     const QString encoded = text(launcher, "iconBase64");
@@ -56,6 +61,10 @@ AndroidApp AndroidApp::fromJson(const QJsonObject &json, const QString &iconFold
             return {};
         app.launchers.append(launcher);
     }
+    app.codeBytes = bytes(json, "codeBytes");
+    app.dataBytes = bytes(json, "dataBytes");
+    app.cacheBytes = bytes(json, "cacheBytes");
+    app.powerSaveWhitelisted = json.value(QLatin1String("powerSaveWhitelisted")).toBool();
     app.package = text(json, "package");
     if (app.package.isEmpty() || app.package.contains(QLatin1Char('/'))) {
         *error = QStringLiteral("\"%1\" is no package name").arg(app.package);
@@ -77,7 +86,9 @@ QJsonObject AndroidApp::toJson() const
         entries.append(entry);
     }
     return {{QStringLiteral("package"), package}, {QStringLiteral("version"), json(version)},
-        {QStringLiteral("launchers"), entries}};
+        {QStringLiteral("launchers"), entries}, {QStringLiteral("codeBytes"), codeBytes},
+        {QStringLiteral("dataBytes"), dataBytes}, {QStringLiteral("cacheBytes"), cacheBytes},
+        {QStringLiteral("powerSaveWhitelisted"), powerSaveWhitelisted}};
 }
 
 AppCatalogue::AppCatalogue(QString folder) : m_folder(std::move(folder)) { }
@@ -108,6 +119,21 @@ QStringList AppCatalogue::load()
             problems.append(QStringLiteral("%1: %2").arg(info.filePath(), error));
     }
     return problems;
+}
+
+int AppCatalogue::uid(const QString &package) const
+{
+    constexpr int firstApplicationUid = 10000; // android.os.Process
+    const int index = m_apps.keys().indexOf(package);
+    return index < 0 ? index : firstApplicationUid + index;
+}
+
+void AppCatalogue::change(const QString &package, const std::function<void(AndroidApp &)> &change)
+{
+    if (!contains(package))
+        return;
+    change(m_apps[package]);
+    add(m_apps.value(package));
 }
 
 bool AppCatalogue::add(const AndroidApp &app)

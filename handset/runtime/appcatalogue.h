@@ -6,6 +6,8 @@
 #include <QString>
 #include <QVector>
 
+#include <functional>
+
 /// An app that is installed in the simulated Android. Strings may be null, and are
 /// announced as Android's null then.
 struct AndroidApp
@@ -19,6 +21,10 @@ struct AndroidApp
     QString package;
     QString version;
     QVector<Launcher> launchers;
+    qint64 codeBytes = 0;
+    qint64 dataBytes = 0; ///< with the cache
+    qint64 cacheBytes = 0;
+    bool powerSaveWhitelisted = false;
 
     /// @param error says what is wrong where the result has an empty package.
     static AndroidApp fromJson(const QJsonObject &json, const QString &iconFolder, QString *error);
@@ -38,9 +44,13 @@ public:
     QList<AndroidApp> apps() const { return m_apps.values(); }
     bool contains(const QString &package) const { return m_apps.contains(package); }
     AndroidApp app(const QString &package) const { return m_apps.value(package); }
+    /// The app's Linux user, as Android counts them; -1 for an app that is not known.
+    int uid(const QString &package) const;
     /// @return whether it is on the disk as well.
     bool add(const AndroidApp &app);
     bool remove(const QString &package);
+    /// Changes an app that is known; of any other nothing is heard again.
+    void change(const QString &package, const std::function<void(AndroidApp &)> &change);
 
 private:
     QString fileOf(const QString &package) const;

@@ -37,5 +37,7 @@ RuntimeConfig RuntimeConfig::load()
         == QLatin1String("backwards");
     config.announceOneway = file.value(QStringLiteral("runtime/announceOneway")).toBool();
     config.installAnswer = number("installAnswer", config.installAnswer);
+    config.installDelay = number("installDelay", config.installDelay);
+    config.windowPolls = number("windowPolls", config.windowPolls);
     return config;
 }

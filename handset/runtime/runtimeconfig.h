@@ -7,12 +7,14 @@
 struct RuntimeConfig
 {
     int sdk = 0; ///< 0 when the build properties name none
-    int readyDelay = 0; ///< milliseconds
+    int readyDelay = 3000; ///< milliseconds
     int stopDelay = 0; ///< milliseconds
     int announceDelay = 0; ///< milliseconds
     bool announceBackwards = false;
     bool announceOneway = false;
     int installAnswer = 1;
+    int installDelay = 0; ///< milliseconds
+    int windowPolls = 0;
 
     /// Reads /etc/alien-runtime.conf and /opt/alien/build.prop; what is not there has its
     /// default.

@@ -60,6 +60,10 @@ void RuntimeControl::handle(const QJsonObject &request, const Respond &respond)
         {QStringLiteral("status"), &RuntimeControl::status},
         {QStringLiteral("calls"), &RuntimeControl::calls},
         {QStringLiteral("wait"), &RuntimeControl::wait},
+        {QStringLiteral("apps"), &RuntimeControl::apps},
+        {QStringLiteral("windows"), &RuntimeControl::windows},
+        {QStringLiteral("timezone"), &RuntimeControl::timezone},
+        {QStringLiteral("fail-next"), &RuntimeControl::failNext},
     };
     const QString name = text(request, "command");
     const Command command = commands.value(name);
@@ -184,6 +188,47 @@ void RuntimeControl::wait(const QJsonObject &request, const Respond &respond)
             timer->deleteLater();
         });
     timer->start(int(request.value(QLatin1String("timeout")).toDouble(10) * 1000));
+}
+
+void RuntimeControl::apps(const QJsonObject &, const Respond &respond)
+{
+    QJsonObject found;
+    const QList<AndroidApp> known = m_runtime->apps()->apps();
+    for (const AndroidApp &app : known) {
+        QJsonObject json = app.toJson();
+        // icons are long, and nothing to read
+        json.insert(QStringLiteral("launchers"), app.launchers.size());
+        found.insert(app.package, json);
+    }
+    respond(done({{QStringLiteral("apps"), found}}));
+}
+
+void RuntimeControl::windows(const QJsonObject &request, const Respond &respond)
+{
+    const QJsonValue polls = request.value(QLatin1String("polls"));
+    if (polls.isDouble())
+        m_runtime->windows()->setPolls(polls.toInt());
+    respond(done({{QStringLiteral("windows"),
+        QJsonArray::fromStringList(m_runtime->windows()->packages())}}));
+}
+
+void RuntimeControl::timezone(const QJsonObject &, const Respond &respond)
+{
+    const QString zone = m_runtime->timeZone();
+    respond(done({{QStringLiteral("timezone"), zone.isNull() ? QJsonValue() : QJsonValue(zone)}}));
+}
+
+void RuntimeControl::failNext(const QJsonObject &request, const Respond &respond)
+{
+    const QString name = text(request, "service");
+    AndroidService *service = m_runtime->service(name);
+    if (!service) {
+        respond(refused(QStringLiteral("no service \"%1\"").arg(name)));
+        return;
+    }
+    service->failNext({request.value(QLatin1String("status")).toInt(),
+        request.value(QLatin1String("exception")).toInt()});
+    respond(done());
 }
 
 void RuntimeControl::send(const QVector<LauncherCall> &calls, const Respond &respond)

@@ -29,6 +29,10 @@ private:
     void status(const QJsonObject &request, const Respond &respond);
     void calls(const QJsonObject &request, const Respond &respond);
     void wait(const QJsonObject &request, const Respond &respond);
+    void apps(const QJsonObject &request, const Respond &respond);
+    void windows(const QJsonObject &request, const Respond &respond);
+    void timezone(const QJsonObject &request, const Respond &respond);
+    void failNext(const QJsonObject &request, const Respond &respond);
     /// Answers with the records of the calls, once the last of them is done.
     void send(const QVector<struct LauncherCall> &calls, const Respond &respond);
 

@@ -66,6 +66,10 @@ class Runtime(Scenario):
         self.device.kill(device.RUNTIME)
         self.assertEqual(self.device.state(device.RUNTIME), "failed")
         self.device.wait(lambda: self.device.seen_states()[-1] == "failed", "failed is seen")
+        died = [line.text for line in self.device.log(priority="warning")]
+        self.assertEqual(sorted(died), sorted(f"{service} died! Trying to reconnect."
+                                              for service in device.PERSISTENT_SERVICES))
+        self.expected_warnings = died
         self.device.install(apps.MAPS, apps.NOTES)
         self.device.start_runtime()
         self.assertEqual(self.device.owner(), lumd)

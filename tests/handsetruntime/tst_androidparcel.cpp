@@ -41,11 +41,15 @@ void TestAndroidParcel::valuesAreReadInOrder()
     AndroidParcel parcel(bytes("feffffff"
                                "0102030405060708"
                                "01000000"
-                               "00000000"));
+                               "00000000"
+                               "000000000000f8bf"));
+    QCOMPARE(parcel.position(), qint64(0));
     QCOMPARE(parcel.readInt32(), -2);
     QCOMPARE(parcel.readInt64(), qint64(0x0807060504030201));
     QCOMPARE(parcel.readBool(), true);
     QCOMPARE(parcel.readBool(), false);
+    QCOMPARE(parcel.readDouble(), -1.5);
+    QCOMPARE(parcel.position(), qint64(28));
     parcel.finish();
     QCOMPARE(parcel.error(), QString());
 }
@@ -59,6 +63,9 @@ void TestAndroidParcel::string16IsRead_data()
     QTest::newRow("empty") << bytes("00000000"
                                     "00000000")
                            << QString() << false;
+    QTest::newRow("empty, as libgbinder pads it") << bytes("00000000"
+                                                           "0000ffff")
+                                                  << QString() << false;
     QTest::newRow("odd length needs no padding") << bytes("01000000"
                                                           "61000000")
                                                  << QStringLiteral("a") << false;
@@ -180,6 +187,14 @@ void TestAndroidParcel::wrongBytesAreRefused_data()
         << bytes("01000000"
                  "61006200")
         << string16 << QStringLiteral("string16 without terminator before offset 8 of 8");
+    QTest::newRow("empty string16 without terminator")
+        << bytes("00000000"
+                 "ffffffff")
+        << string16 << QStringLiteral("empty string16 without terminator before offset 8 of 8");
+    QTest::newRow("empty string16 with other padding")
+        << bytes("00000000"
+                 "00000100")
+        << string16 << QStringLiteral("empty string16 without terminator before offset 8 of 8");
     QTest::newRow("string16 with padding that is not zero") << bytes(
         "02000000"
         "61006200"
@@ -241,7 +256,9 @@ void TestAndroidParcel::objectMustBeOneThatTheDriverRecorded()
                                   "0000000000000000");
     AndroidParcel recorded(data, QVector<quint64>{4});
     recorded.readInt32();
-    QCOMPARE(recorded.readBinder().handle, 7U);
+    const AndroidParcel::Binder object = recorded.readBinder();
+    QCOMPARE(object.handle, 7U);
+    QCOMPARE(object.offset, qint64(4));
     QCOMPARE(recorded.error(), QString());
 
     AndroidParcel notRecorded(data, QVector<quint64>{0});

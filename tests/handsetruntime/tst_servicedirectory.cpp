@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "servicemanager/servicedirectory.h"
+#include "wirebytes.h"
 
 #include <QtTest>
+
+using namespace Wire;
 
 namespace {
 
@@ -11,27 +14,10 @@ constexpr quint32 Add = 3;
 constexpr quint32 List = 4;
 constexpr quint32 Ping = 0x5f504e47;
 
-QByteArray word(qint32 value)
-{
-    return {reinterpret_cast<const char *>(&value), sizeof(value)};
-}
-
-QByteArray string16(const QString &text)
-{
-    QByteArray data = word(text.size());
-    data.append(reinterpret_cast<const char *>(text.utf16()), (text.size() + 1) * 2);
-    return data.leftJustified((data.size() + 3) / 4 * 4, '\0');
-}
-
 QByteArray header(int sdk)
 {
     return word(0x400000) + (sdk >= 29 ? word(-1) : QByteArray())
         + string16(QStringLiteral("android.os.IServiceManager"));
-}
-
-QByteArray remoteObject(qint32 handle)
-{
-    return QByteArray::fromHex("852a68737f010000") + word(handle) + word(0) + word(0) + word(0);
 }
 
 /// What Android's own client appends behind the object when it adds a service.
@@ -212,7 +198,7 @@ void TestServiceDirectory::pingIsAnsweredWithNothing()
 void TestServiceDirectory::unknownCodeIsAnsweredWithItsStatus()
 {
     World world(29);
-    QCOMPARE(world.call(5, string16(QStringLiteral("alien"))).status, -74);
+    QCOMPARE(world.call(5, string16(QStringLiteral("alien"))).status, -1);
     QCOMPARE(world.lastError(), QString());
 }
 

@@ -19,10 +19,9 @@ enum Code : quint32 {
     Ping = 0x5f504e47 // "_PNG"
 };
 
-// status_t of system/core: EPERM is what the service manager refuses with, and EBADMSG
-// stands for a code that the receiver does not know
+// status_t of system/core: EPERM is what the service manager refuses with, also a code that it
+// does not know
 constexpr qint32 Refused = -1;
-constexpr qint32 UnknownTransaction = -74;
 
 // Android 9 gave services a priority for dumpsys; before that there was none
 constexpr int FirstSdkWithDumpPriority = 28;
@@ -94,7 +93,7 @@ ServiceDirectory::Answer ServiceDirectory::transact(const Request &request)
         answer = listServices(parcel, event);
         break;
     default:
-        answer.status = UnknownTransaction;
+        answer.status = Refused;
     }
     if (!parcel.ok()) {
         event.insert(QStringLiteral("error"), parcel.error());

@@ -1,38 +1,41 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "services/alienservice.h"
 
-namespace {
+#include "packageinstaller.h"
+#include "windowlist.h"
 
-enum Code : quint32 { LaunchPackage = 1, InstallPackage = 2 };
-
-} // namespace
-
-AlienService::AlienService(int sdk, EventLog *log, int installAnswer)
+AlienService::AlienService(
+    int sdk, EventLog *log, PackageInstaller *installer, WindowList *windows, int installAnswer)
     : AndroidService(
         QStringLiteral("alien"), QStringLiteral("alien.applications.IAlienService"), sdk, log),
+      m_installer(installer),
+      m_windows(windows),
       m_installAnswer(installAnswer)
 {
+    add("launchPackage", {1, 1, 1},
+        [this](AndroidParcel &request) { return launchPackage(request); });
+    add("installPackage", {NotThere, 2, 2},
+        [this](AndroidParcel &request) { return installPackage(request); });
 }
 
-AndroidService::Answer AlienService::transact(quint32 code, AndroidParcel &request)
+AndroidService::Call AlienService::launchPackage(AndroidParcel &request)
 {
-    switch (code) {
-    case LaunchPackage: {
-        const QString package = request.readString16();
-        return {QStringLiteral("launchPackage"), {{QStringLiteral("package"), describe(package)}},
-            {}, 0};
-    }
-    case InstallPackage: {
-        const QString path = request.readString16();
-        const AndroidParcel::Binder observer = request.readBinder();
-        return {QStringLiteral("installPackage"),
-            {{QStringLiteral("path"), describe(path)},
-                {QStringLiteral("observer"), describe(observer)}},
-            [answer = m_installAnswer](
-                GBinderWriter *writer) { gbinder_writer_append_int32(writer, guint32(answer)); },
-            0};
-    }
-    default:
-        return unknownCode();
-    }
+    const QString package = request.readString16();
+    return {{{QStringLiteral("package"), describe(package)}},
+        [this, package](GBinderWriter *) { m_windows->open(package); }};
+}
+
+AndroidService::Call AlienService::installPackage(AndroidParcel &request)
+{
+    const QString path = request.readString16();
+    const AndroidParcel::Binder binder = request.readBinder();
+    const std::shared_ptr<GBinderRemoteObject> observer = object(binder);
+    return {
+        {{QStringLiteral("path"), describe(path)}, {QStringLiteral("observer"), describe(binder)}},
+        [this, path, observer](GBinderWriter *writer) {
+            // this interface has no exceptions: the answer is the word alone
+            gbinder_writer_append_int32(writer, guint32(m_installAnswer));
+            if (m_installAnswer != 0)
+                m_installer->install(path, observer);
+        }};
 }

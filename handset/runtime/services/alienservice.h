@@ -3,16 +3,23 @@
 
 #include "services/androidservice.h"
 
-/// "alien": the runtime's own service, which launches and installs packages.
+class PackageInstaller;
+class WindowList;
+
+/// "alien": the runtime's own service. It launches packages and, since Android 9, installs
+/// them.
 class AlienService : public AndroidService
 {
 public:
     /// @param installAnswer what an install request is answered: 0 or 1.
-    AlienService(int sdk, EventLog *log, int installAnswer);
-
-protected:
-    Answer transact(quint32 code, AndroidParcel &request) override;
+    AlienService(int sdk, EventLog *log, PackageInstaller *installer, WindowList *windows,
+        int installAnswer);
 
 private:
+    Call launchPackage(AndroidParcel &request);
+    Call installPackage(AndroidParcel &request);
+
+    PackageInstaller *const m_installer;
+    WindowList *const m_windows;
     const int m_installAnswer;
 };

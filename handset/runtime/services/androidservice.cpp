@@ -9,8 +9,16 @@
 namespace {
 
 // status_t of system/core
-constexpr qint32 UnknownTransaction = -74; // EBADMSG
 constexpr qint32 BadValue = -22; // EINVAL
+
+QByteArray requestData(GBinderRemoteRequest *request)
+{
+    GBinderReader reader;
+    gbinder_remote_request_init_reader(request, &reader);
+    gsize size = 0;
+    const void *bytes = gbinder_reader_get_data(&reader, &size);
+    return {static_cast<const char *>(bytes), int(size)};
+}
 
 } // namespace
 
@@ -31,9 +39,53 @@ bool AndroidService::publish(GBinderServiceManager *manager)
         == GBINDER_STATUS_OK;
 }
 
-AndroidService::Answer AndroidService::unknownCode()
+void AndroidService::add(const char *method, const Codes &codes, const Reader &reader)
 {
-    return {QStringLiteral("unknown"), {}, {}, UnknownTransaction};
+    const quint32 code = m_sdk == 27 ? codes.sdk27 : m_sdk == 28 ? codes.sdk28 : codes.sdk29;
+    if (code != NotThere)
+        m_methods.insert(code, {QLatin1String(method), reader});
+}
+
+AndroidService::Call AndroidService::read(
+    quint32 code, AndroidParcel &request, QString *method) const
+{
+    const auto found = m_methods.constFind(code);
+    if (found == m_methods.constEnd()) {
+        *method = QStringLiteral("unknown");
+        request.fail(QStringLiteral("code %1 of \"%2\" is unknown").arg(code).arg(m_name));
+        return {};
+    }
+    *method = found->name;
+    const Call call = found->reader(request);
+    request.finish();
+    return call;
+}
+
+std::shared_ptr<GBinderRemoteObject> AndroidService::object(
+    const AndroidParcel::Binder &binder) const
+{
+    if (!m_request || binder.kind == AndroidParcel::Binder::Kind::Null)
+        return {};
+    GBinderReader reader;
+    gbinder_remote_request_init_reader(m_request, &reader);
+    gsize size = 0;
+    gbinder_reader_get_data(&reader, &size);
+    // everything that stands before an object consists of whole words
+    while (qint64(size - gbinder_reader_bytes_remaining(&reader)) < binder.offset
+        && gbinder_reader_read_int32(&reader, nullptr)) { }
+    return RemoteObjectPointer(gbinder_reader_read_object(&reader));
+}
+
+void AndroidService::readUser(AndroidParcel &request)
+{
+    const qint32 user = request.readInt32();
+    if (user != 0)
+        request.fail(QStringLiteral("user is %1").arg(user));
+}
+
+void AndroidService::writeNoException(GBinderWriter *writer)
+{
+    gbinder_writer_append_int32(writer, 0);
 }
 
 QJsonValue AndroidService::describe(const AndroidParcel::Binder &object)
@@ -54,51 +106,66 @@ QJsonValue AndroidService::describe(const QString &text)
     return text.isNull() ? QJsonValue() : QJsonValue(text);
 }
 
-GBinderLocalReply *AndroidService::onTransact(GBinderLocalObject *object,
-    GBinderRemoteRequest *request, guint code, guint flags, int *status, void *service)
+GBinderLocalReply *AndroidService::onTransact(GBinderLocalObject *, GBinderRemoteRequest *request,
+    guint code, guint flags, int *status, void *service)
 {
-    const Answer answer = static_cast<AndroidService *>(service)->handle(request, code, flags);
-    *status = answer.status;
-    if (answer.status != 0 || (flags & GBINDER_TX_FLAG_ONEWAY) != 0)
-        return nullptr;
-    GBinderLocalReply *reply = gbinder_local_object_new_reply(object);
-    if (answer.write) {
-        GBinderWriter writer;
-        gbinder_local_reply_init_writer(reply, &writer);
-        answer.write(&writer);
-    }
-    return reply;
+    return static_cast<AndroidService *>(service)->handle(
+        request, code, (flags & GBINDER_TX_FLAG_ONEWAY) != 0, status);
 }
 
-AndroidService::Answer AndroidService::handle(
-    GBinderRemoteRequest *request, quint32 code, quint32 flags)
+GBinderLocalReply *AndroidService::handle(
+    GBinderRemoteRequest *request, quint32 code, bool oneway, int *status)
 {
-    GBinderReader reader;
-    gbinder_remote_request_init_reader(request, &reader);
-    gsize size = 0;
-    const void *bytes = gbinder_reader_get_data(&reader, &size);
-    const QByteArray data(static_cast<const char *>(bytes), int(size));
-
+    const QByteArray data = requestData(request);
     AndroidParcel parcel(data);
+    m_request = request;
     const RequestHeader header = RequestHeader::read(parcel, m_sdk, m_interface);
-    Answer answer = transact(code, parcel);
-    if (answer.status == 0)
-        parcel.finish();
+    QString method;
+    const Call call = read(code, parcel, &method);
+    m_request = nullptr;
+    if (oneway)
+        parcel.fail(QStringLiteral("a two-way method was called one-way"));
 
     QJsonObject event{{QStringLiteral("event"), QStringLiteral("call")},
         {QStringLiteral("service"), m_name}, {QStringLiteral("code"), qint64(code)},
-        {QStringLiteral("method"), answer.method}, {QStringLiteral("arguments"), answer.arguments},
-        {QStringLiteral("strictMode"), header.strictMode},
-        {QStringLiteral("oneway"), (flags & GBINDER_TX_FLAG_ONEWAY) != 0},
+        {QStringLiteral("method"), method}, {QStringLiteral("arguments"), call.arguments},
+        {QStringLiteral("strictMode"), header.strictMode}, {QStringLiteral("oneway"), oneway},
         {QStringLiteral("pid"), gbinder_remote_request_sender_pid(request)},
         {QStringLiteral("uid"), qint64(gbinder_remote_request_sender_euid(request))}};
-    if (!parcel.ok()) {
-        answer.status = BadValue;
+    GBinderLocalReply *reply = nullptr;
+    if (parcel.ok()) {
+        reply = gbinder_local_object_new_reply(m_object.get());
+        GBinderWriter writer;
+        gbinder_local_reply_init_writer(reply, &writer);
+        *status = answer(call, &writer, &event);
+    } else {
+        *status = BadValue;
         event.insert(QStringLiteral("error"), parcel.error());
         event.insert(QStringLiteral("data"), QString::fromLatin1(data.toHex()));
-    } else if (answer.status != 0) {
-        event.insert(QStringLiteral("error"), QStringLiteral("unknown code"));
     }
     m_log->record(event);
-    return answer;
+    if (*status != 0)
+        LocalReplyPointer(std::exchange(reply, nullptr));
+    return reply;
+}
+
+int AndroidService::answer(const Call &call, GBinderWriter *writer, QJsonObject *event)
+{
+    const std::optional<Failure> failure = std::exchange(m_failure, std::nullopt);
+    if (!failure) {
+        if (call.carryOut)
+            call.carryOut(writer);
+        return 0;
+    }
+    event->insert(QStringLiteral("failed"),
+        QJsonObject{{QStringLiteral("status"), failure->status},
+            {QStringLiteral("exception"), failure->exception}});
+    if (failure->status != 0)
+        return failure->status;
+    gbinder_writer_append_int32(writer, guint32(failure->exception));
+    gbinder_writer_append_string16(writer, "made to fail");
+    // Android 9 sends the size of a stack trace behind the message
+    if (m_sdk >= 28)
+        gbinder_writer_append_int32(writer, 0);
+    return 0;
 }

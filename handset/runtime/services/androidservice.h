@@ -4,9 +4,12 @@
 #include "androidparcel.h"
 #include "gbinderhandles.h"
 
+#include <QHash>
 #include <QJsonObject>
 
 #include <functional>
+#include <memory>
+#include <optional>
 
 class EventLog;
 
@@ -16,6 +19,22 @@ class EventLog;
 class AndroidService
 {
 public:
+    /// A request that was read.
+    struct Call
+    {
+        QJsonObject arguments; ///< for the record
+        /// Does what was asked for and writes the answer. Runs only when every byte of the
+        /// request was right; none answers nothing.
+        std::function<void(GBinderWriter *)> carryOut;
+    };
+
+    /// How a call fails that is made to fail.
+    struct Failure
+    {
+        qint32 status = 0; ///< of the transaction
+        qint32 exception = 0; ///< of android.os.Parcel, where the status is 0
+    };
+
     /// @param sdk 27 to 29; codes and layouts depend on it.
     AndroidService(QString name, QString interface, int sdk, EventLog *log);
     virtual ~AndroidService();
@@ -24,36 +43,60 @@ public:
     QString name() const { return m_name; }
     /// Publishes the service under its name. @return false when that was refused.
     bool publish(GBinderServiceManager *manager);
+    /// Reads the arguments of a call and carries nothing out.
+    /// @param request stands behind the header; what is read wrong, a code that this level
+    /// does not have and bytes left over are failures of it.
+    /// @param method gets its name for the record.
+    Call read(quint32 code, AndroidParcel &request, QString *method) const;
+    /// Lets the next call that is right fail this way.
+    void failNext(const Failure &failure) { m_failure = failure; }
 
 protected:
-    struct Answer
+    using Reader = std::function<Call(AndroidParcel &)>;
+    /// A method's transaction code by level; NotThere where the level has no such method.
+    struct Codes
     {
-        QString method; ///< for the record
-        QJsonObject arguments; ///< for the record, as they were read
-        std::function<void(GBinderWriter *)> write; ///< the result; none leaves it empty
-        qint32 status = 0; ///< when not 0 the caller gets this and no result
+        quint32 sdk27;
+        quint32 sdk28;
+        quint32 sdk29;
     };
+    static constexpr quint32 NotThere = 0;
 
-    /// Reads the arguments of a call and says what it is answered.
-    /// @param request stands behind the header; what is read wrong is a failure of it.
-    virtual Answer transact(quint32 code, AndroidParcel &request) = 0;
+    /// Makes a method known, with what reads its arguments.
+    void add(const char *method, const Codes &codes, const Reader &reader);
 
     int sdk() const { return m_sdk; }
-    /// The answer to a code that the service does not know.
-    static Answer unknownCode();
+    /// The object that the request being read brought along, to be called back; null for
+    /// Android's null.
+    std::shared_ptr<GBinderRemoteObject> object(const AndroidParcel::Binder &binder) const;
+    /// Reads a user's number, of which there is one only: 0.
+    static void readUser(AndroidParcel &request);
+    /// Writes that no exception was thrown, which stands in front of every result of Java's.
+    static void writeNoException(GBinderWriter *writer);
     /// An object as the record shows it: null, or where it lives.
     static QJsonValue describe(const AndroidParcel::Binder &object);
     /// A text as the record shows it: null where it is Android's null.
     static QJsonValue describe(const QString &text);
 
 private:
+    struct Method
+    {
+        QString name;
+        Reader reader;
+    };
+
     static GBinderLocalReply *onTransact(GBinderLocalObject *object, GBinderRemoteRequest *request,
         guint code, guint flags, int *status, void *service);
-    Answer handle(GBinderRemoteRequest *request, quint32 code, quint32 flags);
+    GBinderLocalReply *handle(
+        GBinderRemoteRequest *request, quint32 code, bool oneway, int *status);
+    int answer(const Call &call, GBinderWriter *writer, QJsonObject *event);
 
     const QString m_name;
     const QString m_interface;
     const int m_sdk;
     EventLog *const m_log;
+    QHash<quint32, Method> m_methods;
+    std::optional<Failure> m_failure;
+    GBinderRemoteRequest *m_request = nullptr; ///< while it is being read
     LocalObjectPointer m_object;
 };

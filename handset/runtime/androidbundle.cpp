@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "androidbundle.h"
+
+#include "androidparcel.h"
+
+#include <QJsonArray>
+
+namespace {
+
+// android.os.BaseBundle: BUNDLE_MAGIC, the letters "BNDL"
+constexpr qint32 Magic = 0x4C444E42;
+constexpr qint32 NullBundle = -1;
+
+// android.os.Parcel, VAL_...; those of them that are read here
+enum ValueType : qint32 {
+    Null = -1,
+    String = 0,
+    Integer = 1,
+    Long = 6,
+    Double = 8,
+    Boolean = 9,
+    StringArray = 14
+};
+
+QJsonValue json(const QString &text)
+{
+    return text.isNull() ? QJsonValue() : QJsonValue(text);
+}
+
+QJsonObject value(const char *type, const QJsonValue &content)
+{
+    return {{QStringLiteral("type"), QLatin1String(type)}, {QStringLiteral("value"), content}};
+}
+
+QJsonArray readStrings(AndroidParcel &parcel)
+{
+    const qint32 count = parcel.readInt32();
+    if (count < 0)
+        parcel.fail(QStringLiteral("string array of length %1").arg(count));
+    QJsonArray strings;
+    for (qint32 i = 0; parcel.ok() && i < count; ++i)
+        strings.append(json(parcel.readString16()));
+    return strings;
+}
+
+QJsonObject readValue(AndroidParcel &parcel)
+{
+    const qint32 type = parcel.readInt32();
+    switch (type) {
+    case Null:
+        return value("null", {});
+    case String:
+        return value("string", json(parcel.readString16()));
+    case Integer:
+        return value("int", parcel.readInt32());
+    case Long:
+        return value("long", QString::number(parcel.readInt64()));
+    case Double:
+        return value("double", parcel.readDouble());
+    case Boolean:
+        return value("boolean", parcel.readBool());
+    case StringArray:
+        return value("string array", readStrings(parcel));
+    default:
+        parcel.fail(QStringLiteral("value of type %1").arg(type));
+        return {};
+    }
+}
+
+} // namespace
+
+QJsonValue readAndroidBundle(AndroidParcel &parcel)
+{
+    QJsonObject bundle;
+    const qint32 length = parcel.readInt32();
+    if (!parcel.ok() || length == NullBundle)
+        return {};
+    // Android writes an empty Bundle as this one word
+    if (length == 0)
+        return bundle;
+    if (length < 0)
+        parcel.fail(QStringLiteral("Bundle of length %1").arg(length));
+    const qint32 magic = parcel.readInt32();
+    if (magic != Magic)
+        parcel.fail(
+            QStringLiteral("Bundle's magic is 0x%1").arg(quint32(magic), 8, 16, QLatin1Char('0')));
+    const qint64 start = parcel.position();
+    const qint32 count = parcel.readInt32();
+    if (count < 0)
+        parcel.fail(QStringLiteral("Bundle of %1 entries").arg(count));
+    for (qint32 i = 0; parcel.ok() && i < count; ++i) {
+        const QString key = parcel.readString16();
+        if (key.isNull() || bundle.contains(key))
+            parcel.fail(QStringLiteral("Bundle's key \"%1\" is null or not its first").arg(key));
+        bundle.insert(key, readValue(parcel));
+    }
+    const qint64 used = parcel.position() - start;
+    if (used != length)
+        parcel.fail(QStringLiteral("Bundle of length %1 has %2 bytes").arg(length).arg(used));
+    return bundle;
+}
