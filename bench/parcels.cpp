@@ -1,73 +1,46 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "bench/localcall.h"
 #include "bench/twohundredlaunchers.h"
 #include "binder/alienbinderparcel.h"
-#include "tests/support/fakegbinder/fakebinder.h"
 #include "tests/support/fakegbinder/parcelwriter.h"
 
 #include <benchmark/benchmark.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
 namespace {
 
-using Reading = std::function<void(GBinderRemoteRequest *)>;
-
-GBinderLocalReply *onCall(GBinderLocalObject *object, GBinderRemoteRequest *request, guint code,
-    guint flags, int *status, void *reading)
+QByteArray announcement()
 {
-    Q_UNUSED(object)
-    Q_UNUSED(code)
-    Q_UNUSED(flags)
-    Q_UNUSED(status)
-    (*static_cast<Reading *>(reading))(request);
-    return nullptr;
-}
-
-// A request lives only for the length of its call, so the reading happens inside of one.
-void withAnnouncement(Reading reading)
-{
-    const QString interface = QStringLiteral("bench.IAnnouncements");
-    GBinderServiceManager *const manager = gbinder_servicemanager_new("/dev/puddlejumper");
-    GBinderLocalObject *const object =
-        gbinder_servicemanager_new_local_object(manager, "bench.IAnnouncements", onCall, &reading);
-    GBinderServiceName *const name = gbinder_servicename_new(manager, object, "bench");
-
     const ApkLauncher launcher = TwoHundredLaunchers::launchers().first();
-    FakeBinder::Call call;
-    call.code = 1;
-    call.interface = interface;
-    call.payload = FakeBinder::ParcelWriter()
-                       .string16(launcher.packageName)
-                       .string16(launcher.className)
-                       .string16(launcher.caption)
-                       .string16(launcher.packageVersion)
-                       .byteArray(launcher.icon)
-                       .bytes();
-    if (!FakeBinder::transact(QStringLiteral("bench"), call).delivered)
-        qFatal("the call did not arrive");
-
-    gbinder_servicename_unref(name);
-    gbinder_local_object_drop(object);
-    gbinder_servicemanager_unref(manager);
+    return FakeBinder::ParcelWriter()
+        .string16(launcher.packageName)
+        .string16(launcher.className)
+        .string16(launcher.caption)
+        .string16(launcher.packageVersion)
+        .byteArray(launcher.icon)
+        .bytes();
 }
 
 void readingByParcel(benchmark::State &state)
 {
-    withAnnouncement([&state](GBinderRemoteRequest *request) {
+    LocalCall::run(announcement(), [&](GBinderLocalObject *object, GBinderRemoteRequest *request) {
+        Q_UNUSED(object)
         for (auto _ : state) {
             AlienBinderParcel parcel(request);
             for (int i = 0; i < 4; ++i)
                 benchmark::DoNotOptimize(parcel.readString());
             benchmark::DoNotOptimize(parcel.readByteArray());
         }
+        return nullptr;
     });
 }
 
 void readingByHand(benchmark::State &state)
 {
-    withAnnouncement([&state](GBinderRemoteRequest *request) {
+    LocalCall::run(announcement(), [&](GBinderLocalObject *object, GBinderRemoteRequest *request) {
+        Q_UNUSED(object)
         for (auto _ : state) {
             GBinderReader reader;
             gbinder_remote_request_init_reader(request, &reader);
@@ -82,6 +55,7 @@ void readingByHand(benchmark::State &state)
                 static_cast<const char *>(gbinder_reader_read_byte_array(&reader, &size));
             benchmark::DoNotOptimize(std::vector<char>(bytes, bytes + size));
         }
+        return nullptr;
     });
 }
 
