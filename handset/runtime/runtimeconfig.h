@@ -7,7 +7,7 @@
 struct RuntimeConfig
 {
     int sdk = 0; ///< 0 when the build properties name none
-    int readyDelay = 3000; ///< milliseconds
+    int readyDelay = 2200; ///< milliseconds
     int stopDelay = 0; ///< milliseconds
     int announceDelay = 0; ///< milliseconds
     bool announceBackwards = false;

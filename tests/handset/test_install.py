@@ -4,14 +4,7 @@
 import apps
 import device
 from appscenario import DOWNLOADS, AppScenario, entry_path, runtime_path
-
-PACKAGE_FOLDER = "/root/wrapping-package"
-CONTROL = """Package: {name}
-Version: 1.0
-Architecture: all
-Maintainer: Nobody <nobody@localhost>
-Description: wraps an apk
-"""
+from wrappedapk import WrappedApk
 
 
 class Install(AppScenario):
@@ -126,35 +119,18 @@ class Install(AppScenario):
         self.assert_files(apps.MAPS.files())
         self.assertEqual(self.session.notifications(), [])
 
-    def wrap(self, app):
-        """Installs a package that wraps the app's apk; gives the package's name."""
-        name = f"mirlane-apk-{app.package}"
-        apk = f"{device.PACKAGED}/{app.package}.apk"
-        self.device.write({f"{PACKAGE_FOLDER}/DEBIAN/control": CONTROL.format(name=name),
-                           f"{PACKAGE_FOLDER}{apk}": app.apk()})
-        self.addCleanup(self.device.machine.shell,
-                        f"rm -rf {PACKAGE_FOLDER} {PACKAGE_FOLDER}.deb; dpkg --purge {name}",
-                        check=False)
-        self.device.machine.shell(
-            f"dpkg-deb --build --root-owner-group {PACKAGE_FOLDER} {PACKAGE_FOLDER}.deb && "
-            f"dpkg --install {PACKAGE_FOLDER}.deb")
-        return name
-
-    def is_installed(self, name):
-        return self.device.machine.shell(f"dpkg --status {name}",
-                                         check=False).returncode == 0
-
     def test_anAppThatCameInAPackageIsInstalledSilentlyAndTakesItsPackageAlong(self):
         self.device.start_runtime()
-        name = self.wrap(apps.KEYBOARD)
-        apk = f"{device.PACKAGED}/{apps.KEYBOARD.package}.apk"
-        self.assertEqual(self.bus("installFile", "s", apk), "b true")
+        package = WrappedApk(self.device, apps.KEYBOARD)
+        self.addCleanup(package.purge)
+        package.install()
+        self.assertEqual(self.bus("installFile", "s", package.apk), "b true")
         self.wait_installed(apps.KEYBOARD)
-        self.assertTrue(self.is_installed(name))
-        self.assertEqual(self.bus("removeFile", "s", apk), "b true")
+        self.assertTrue(package.is_installed())
+        self.assertEqual(self.bus("removeFile", "s", package.apk), "b true")
         self.device.wait_event("delete", f"package={apps.KEYBOARD.package}", "returnCode=1")
-        self.device.wait(lambda: not self.is_installed(name), f"{name} is removed")
+        self.device.wait(lambda: not package.is_installed(), f"{package.name} is removed")
         self.assertNotEqual(
-            self.device.machine.shell(f"ls {apk}", check=False).returncode, 0)
+            self.device.machine.shell(f"ls {package.apk}", check=False).returncode, 0)
         self.assert_files()
         self.assertEqual(self.session.notifications(), [])
