@@ -3,10 +3,11 @@
 // of an Android app through lumd.
 #include <QCoreApplication>
 #include <QDBusConnection>
-#include <QDBusInterface>
 #include <QDBusMessage>
 #include <QTextStream>
 #include <QVariantMap>
+
+#include <limits>
 
 namespace {
 
@@ -32,7 +33,9 @@ int launch(const QString &package, const QString &className)
     const QString noType;
     message << QString(QLatin1String(mainAction)) << noData << noType << package << className
             << QString(QLatin1String(launcherCategory)) << QVariantMap();
-    const QDBusMessage reply = QDBusConnection::systemBus().call(message);
+    // lumd answers when the windows of all launches before have come or been given up.
+    constexpr int noDeadline = std::numeric_limits<int>::max();
+    const QDBusMessage reply = QDBusConnection::systemBus().call(message, QDBus::Block, noDeadline);
     if (reply.type() == QDBusMessage::ErrorMessage)
         return fail(
             NotLaunched, QStringLiteral("cannot launch %1: %2").arg(package, reply.errorMessage()));
