@@ -58,6 +58,13 @@ quint32 handedOver()
     return FakeBinder::requests().last().localObjects.value(0);
 }
 
+void ClientTest::answerWith(const QString &service, const FakeBinder::Reply &reply)
+{
+    QVERIFY(m_unit->become(QStringLiteral("deactivating")));
+    FakeBinder::registerService(service, [reply](const FakeBinder::Request &) { return reply; });
+    QVERIFY(m_unit->become(QStringLiteral("active")));
+}
+
 void ClientTest::cleanup()
 {
     QVERIFY(m_unit->become(QStringLiteral("deactivating")));

@@ -33,6 +33,10 @@ class ClientTest : public RuntimeTest
 {
     Q_OBJECT
 
+protected:
+    /// Lets the service answer every call from now on so. The links of before are gone.
+    void answerWith(const QString &service, const FakeBinder::Reply &reply);
+
 protected Q_SLOTS:
     void cleanup();
 };

@@ -54,19 +54,10 @@ private Q_SLOTS:
     void callsWithinFiveSecondsShareALink();
 
 private:
-    /// Answers every call from now on. The links of before are gone.
-    void answerWith(const Reply &reply)
-    {
-        QVERIFY(m_unit->become(QStringLiteral("deactivating")));
-        FakeBinder::registerService(
-            service, [reply](const FakeBinder::Request &) { return reply; });
-        QVERIFY(m_unit->become(active));
-    }
-
     void checkLevel(int level, quint32 code, const QStringList &lines)
     {
         QVERIFY(installRuntime(level));
-        answerWith(Reply::data(ParcelWriter().int32(0).int32(1).bytes()));
+        answerWith(service, Reply::data(ParcelWriter().int32(0).int32(1).bytes()));
         AlienDeviceIdle idle;
         LogCapture log(LogCapture::Level::Default);
         QCOMPARE(idle.isWhitelisted(app), true);
@@ -79,7 +70,7 @@ void TestAlienDeviceIdle::settingHasACodeForEachDirection()
 {
     // No word about the level: these two codes do not move.
     QVERIFY(installRuntime(30));
-    answerWith(Reply::data(ParcelWriter().int32(-1).bytes()));
+    answerWith(service, Reply::data(ParcelWriter().int32(-1).bytes()));
     AlienDeviceIdle idle;
     LogCapture log(LogCapture::Level::Default);
     idle.setWhitelisted(app, true);
@@ -105,7 +96,7 @@ void TestAlienDeviceIdle::failedSettingIsLogged()
 {
     QFETCH(Reply, reply);
     QFETCH(QStringList, lines);
-    answerWith(reply);
+    answerWith(service, reply);
     AlienDeviceIdle idle;
     LogCapture log(LogCapture::Level::Default);
     idle.setWhitelisted(app, true);
@@ -145,7 +136,7 @@ void TestAlienDeviceIdle::resultIsExactlyOne()
     QFETCH(bool, result);
     QFETCH(QStringList, lines);
     QVERIFY(installRuntime(28));
-    answerWith(reply);
+    answerWith(service, reply);
     AlienDeviceIdle idle;
     LogCapture log(LogCapture::Level::Default);
     QCOMPARE(idle.isWhitelisted(app), result);
@@ -177,7 +168,7 @@ void TestAlienDeviceIdle::nothingIsSentWithoutTheService()
 void TestAlienDeviceIdle::callsWithinFiveSecondsShareALink()
 {
     QVERIFY(installRuntime(28));
-    answerWith(Reply::data(ParcelWriter().int32(0).int32(1).bytes()));
+    answerWith(service, Reply::data(ParcelWriter().int32(0).int32(1).bytes()));
     AlienDeviceIdle idle;
     QSignalSpy spy(&idle, &AlienBinderConnection::connectionChanged);
     QElapsedTimer sinceConnect;

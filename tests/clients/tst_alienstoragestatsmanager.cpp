@@ -72,18 +72,10 @@ private Q_SLOTS:
     void queriesWithinFiveSecondsShareALink();
 
 private:
-    void answerWith(const Reply &reply)
-    {
-        QVERIFY(m_unit->become(QStringLiteral("deactivating")));
-        FakeBinder::registerService(
-            service, [reply](const FakeBinder::Request &) { return reply; });
-        QVERIFY(m_unit->become(active));
-    }
-
     void queryOn(int level, quint32 code, const QStringList &lines)
     {
         QVERIFY(installRuntime(level));
-        answerWith(Reply::data(answerOf(1, 2, 3).bytes()));
+        answerWith(service, Reply::data(answerOf(1, 2, 3).bytes()));
         AlienStorageStatsManager manager;
         LogCapture log(LogCapture::Level::Default);
         QCOMPARE(sizes(manager.queryStatsForPackage(app, QString(), 0)), Sizes({1, 2, 3}));
@@ -95,7 +87,7 @@ private:
 void TestAlienStorageStatsManager::argumentsGoOutInTheirOrder()
 {
     QVERIFY(installRuntime(28));
-    answerWith(Reply::data(answerOf(1, 2, 3).bytes()));
+    answerWith(service, Reply::data(answerOf(1, 2, 3).bytes()));
     AlienStorageStatsManager manager;
     manager.queryStatsForPackage(app, QStringLiteral("8ff8"), 10);
     // The service alone says what it makes of a name.
@@ -144,7 +136,7 @@ void TestAlienStorageStatsManager::answerIsReadAsItComes()
     QFETCH(QVector<qint64>, result);
     QFETCH(QStringList, lines);
     QVERIFY(installRuntime(27));
-    answerWith(reply);
+    answerWith(service, reply);
     AlienStorageStatsManager manager;
     LogCapture log;
     QCOMPARE(sizes(manager.queryStatsForPackage(app, QString(), 0)), result);
@@ -178,7 +170,7 @@ void TestAlienStorageStatsManager::withoutTheServiceAllIsZero()
 void TestAlienStorageStatsManager::queriesWithinFiveSecondsShareALink()
 {
     QVERIFY(installRuntime(28));
-    answerWith(Reply::data(answerOf(1, 2, 3).bytes()));
+    answerWith(service, Reply::data(answerOf(1, 2, 3).bytes()));
     AlienStorageStatsManager manager;
     QSignalSpy spy(&manager, &AlienBinderConnection::connectionChanged);
     QElapsedTimer sinceConnect;

@@ -120,6 +120,19 @@ void AppFixture::expectFailure(const QString &path, const QStringList &words, in
     QCOMPARE(requests(QStringLiteral("package"), installCode).size(), 0);
 }
 
+void addStatesAndStarts()
+{
+    QTest::addColumn<QString>("state");
+    QTest::addColumn<int>("starts");
+    QTest::newRow("inactive") << QStringLiteral("inactive") << 1;
+    QTest::newRow("deactivating") << QStringLiteral("deactivating") << 1;
+    QTest::newRow("activating") << QStringLiteral("activating") << 0;
+    QTest::newRow("active") << QStringLiteral("active") << 0;
+    QTest::newRow("failed") << QStringLiteral("failed") << 0;
+    QTest::newRow("reloading") << QStringLiteral("reloading") << 0;
+    QTest::newRow("Inactive") << QStringLiteral("Inactive") << 0;
+}
+
 QString resultOf(const QDBusMessage &reply)
 {
     const QString error = errorOf(reply);

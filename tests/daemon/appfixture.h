@@ -48,6 +48,10 @@ struct AppFixture : DaemonFixture
     NotificationServer notifications{userBus.address()};
 };
 
+/// Rows of a test function: unit states, and how often a request asks systemd for a start then,
+/// in the columns "state" and "starts".
+void addStatesAndStarts();
+
 /// The result of a method that gives a boolean; an error's words in place of a result.
 QString resultOf(const QDBusMessage &reply);
 

@@ -177,15 +177,7 @@ void TestInstall::laterAndroidLevelsInstallThroughTheRuntimesOwnService()
 
 void TestInstall::runtimeIsStartedOnlyWhenItIsDown_data()
 {
-    QTest::addColumn<QString>("state");
-    QTest::addColumn<int>("starts");
-    QTest::newRow("inactive") << QStringLiteral("inactive") << 1;
-    QTest::newRow("deactivating") << QStringLiteral("deactivating") << 1;
-    QTest::newRow("activating") << QStringLiteral("activating") << 0;
-    QTest::newRow("active") << QStringLiteral("active") << 0;
-    QTest::newRow("failed") << QStringLiteral("failed") << 0;
-    QTest::newRow("reloading") << QStringLiteral("reloading") << 0;
-    QTest::newRow("Inactive") << QStringLiteral("Inactive") << 0;
+    addStatesAndStarts();
 }
 
 void TestInstall::runtimeIsStartedOnlyWhenItIsDown()

@@ -243,13 +243,7 @@ void TestLaunch::waitingRequestsEndWithTheDaemon()
 
 void TestLaunch::everyMethodStartsTheRuntimeOnlyWhenItIsDown_data()
 {
-    QTest::addColumn<QString>("state");
-    QTest::addColumn<int>("starts");
-    QTest::newRow("inactive") << QStringLiteral("inactive") << 1;
-    QTest::newRow("deactivating") << QStringLiteral("deactivating") << 1;
-    QTest::newRow("activating") << QStringLiteral("activating") << 0;
-    QTest::newRow("active") << QStringLiteral("active") << 0;
-    QTest::newRow("failed") << QStringLiteral("failed") << 0;
+    addStatesAndStarts();
 }
 
 void TestLaunch::everyMethodStartsTheRuntimeOnlyWhenItIsDown()
