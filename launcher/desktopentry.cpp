@@ -4,6 +4,7 @@
 #include "launcher/fileoperations.h"
 #include "launcher/logging.h"
 
+#include <QFile>
 #include <QSaveFile>
 #include <QStringBuilder>
 #include <QStringView>
@@ -13,12 +14,13 @@ namespace {
 constexpr char groupHeader[] = "[Desktop Entry]";
 
 // Calls visit(key, value) for each line that holds one, in the order of the file. The views
-// live as long as the call. False when the file cannot be read.
+// live as long as the call. False when there is no such file.
 template <typename Visitor> bool readEntry(const QString &fileName, Visitor visit)
 {
-    const std::optional<QByteArray> bytes = readFile(fileName);
+    bool isMissing = false;
+    const std::optional<QByteArray> bytes = readFile(fileName, &isMissing);
     if (!bytes)
-        return false;
+        return !isMissing && QFile::exists(fileName);
     const QString text = QString::fromUtf8(bytes->constData(), bytes->size());
     bool inEntry = false;
     for (int start = 0, end = 0; start < text.size(); start = end + 1) {
@@ -47,7 +49,7 @@ void warnOfMissingKey(const QString &fileName, const QString &key)
 DesktopEntry::DesktopEntry(const QString &fileName) : m_fileName(fileName)
 {
     // Saved entries are in order, so that each key belongs at the end.
-    m_wasRead = readEntry(fileName, [this](QStringView key, QStringView value) {
+    m_isNew = !readEntry(fileName, [this](QStringView key, QStringView value) {
         m_values.insert(m_values.constEnd(), key.toString(), value.toString());
     });
 }

@@ -18,8 +18,8 @@ public:
 
     Q_DISABLE_COPY_MOVE(DesktopEntry)
 
-    /// Whether the file could be read when the entry was made.
-    bool wasRead() const { return m_wasRead; }
+    /// Whether there was no file when the entry was made, nor a link that leads to one.
+    bool isNew() const { return m_isNew; }
 
     /// The value of @p key. A null string, with a warning, when the entry lacks it.
     QString value(const QString &key) const;
@@ -34,5 +34,5 @@ private:
     const QString m_fileName;
     QMap<QString, QString> m_values;
     bool m_dirty = false;
-    bool m_wasRead = false;
+    bool m_isNew = false;
 };

@@ -130,7 +130,6 @@ void DesktopManager::onCreateLauncher(const ApkLauncher &launcher)
 {
     const QString desktopPath = desktopFilePath(launcher);
     DesktopEntry entry(desktopPath);
-    const bool isNew = !entry.wasRead() && !QFile::exists(desktopPath);
     qCDebug(launcherLog) << "onCreateLauncher:" << desktopPath;
     if (launcher.caption.isEmpty()) {
         qCWarning(launcherLog) << "Not creating launcher for " << desktopPath
@@ -143,7 +142,7 @@ void DesktopManager::onCreateLauncher(const ApkLauncher &launcher)
 
     const QString iconPath = iconPathFor(desktopPath);
     qCDebug(launcherLog) << "iconfilename:" << iconPath;
-    if (isNew || fileDiffers(iconPath, launcher.icon))
+    if (entry.isNew() || fileDiffers(iconPath, launcher.icon))
         writeIcon(iconPath, launcher.icon);
     entry.setValue(QStringLiteral("Icon"), iconPath);
 
@@ -153,7 +152,7 @@ void DesktopManager::onCreateLauncher(const ApkLauncher &launcher)
     }
 
     writeSettingsEntry(desktopPath, launcher.packageName, launcher.packageVersion);
-    if (isNew)
+    if (entry.isNew())
         Q_EMIT newApplicationInstalled(launcher);
 }
 

@@ -6,6 +6,7 @@
 #include <QSaveFile>
 
 #include <algorithm>
+#include <cerrno>
 #include <memory>
 #include <vector>
 
@@ -60,13 +61,19 @@ bool isFileOrFolder(const dirent &entry, const QString &folder, const QString &n
 
 } // namespace
 
-std::optional<QByteArray> readFile(const QString &path)
+std::optional<QByteArray> readFile(const QString &path, bool *isMissing)
 {
+    if (isMissing)
+        *isMissing = false;
     // The system would take the name for one that ends there.
     if (path.contains(QChar::Null))
         return {};
     const OpenFile file{open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC)};
-    return file.descriptor < 0 ? std::nullopt : readOpenFile(file.descriptor);
+    if (file.descriptor >= 0)
+        return readOpenFile(file.descriptor);
+    if (isMissing)
+        *isMissing = errno == ENOENT;
+    return {};
 }
 
 QStringList listFiles(const QString &folder, const QString &prefix, const QString &suffix)

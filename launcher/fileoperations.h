@@ -8,8 +8,8 @@
 #include <optional>
 
 /// The contents of the file at @p path, by the fewest system calls. Nothing when it cannot be
-/// read.
-std::optional<QByteArray> readFile(const QString &path);
+/// read; @p isMissing, if given, then tells whether the reason is that there is no such file.
+std::optional<QByteArray> readFile(const QString &path, bool *isMissing = nullptr);
 
 /// The names in @p folder that begin with @p prefix and end with @p suffix, all without regard
 /// to case: what QDir::entryList() gives for that pattern, without its file information and
