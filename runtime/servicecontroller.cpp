@@ -25,8 +25,8 @@ constexpr char activeState[] = "ActiveState";
 constexpr char subState[] = "SubState";
 constexpr char unitFileState[] = "UnitFileState";
 
-// A QDBusInterface would fetch and parse the introspection text of systemd's manager, which takes
-// more time and memory than all the rest of the start.
+// A QDBusInterface would fetch and parse the long introspection text of systemd's manager at each
+// start, which nothing here needs.
 class SystemdManager final : public QDBusAbstractInterface
 {
 public:
