@@ -7,5 +7,11 @@ QVariant Quillfin::PolicyValue::keyValue(int key)
 {
     const QSettings settings(
         QStringLiteral("/etc/lumd/platform/policy.conf"), QSettings::IniFormat);
-    return settings.value(QStringLiteral("policy/%1").arg(key));
+    const QVariant value = settings.value(QStringLiteral("policy/%1").arg(key));
+    if (!value.isValid())
+        return {};
+    // Not QVariant's own reading, for which "no" is true: this allows and forbids.
+    const QString text = value.toString();
+    return text.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0
+        || text == QLatin1String("1");
 }

@@ -9,8 +9,9 @@ namespace Quillfin {
 class PolicyValue
 {
 public:
-    /// The value of the setting numbered @p key, from the group "policy" of
-    /// /etc/lumd/platform/policy.conf, read anew at each call. Invalid when it is not set.
+    /// The setting numbered @p key, from the group "policy" of /etc/lumd/platform/policy.conf:
+    /// true for "true" and "1", false for anything else, invalid when it is not set. The file is
+    /// read at each call that finds its size or time changed.
     static QVariant keyValue(int key);
 };
 

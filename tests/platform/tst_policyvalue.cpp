@@ -49,6 +49,10 @@ void TestPolicyValue::valueIsFoundByItsNumber_data()
     QTest::newRow("false") << QByteArray("[policy]\n5=true\n6=false\n") << true << false;
     QTest::newRow("0") << QByteArray("[policy]\n6=0\n") << true << false;
     QTest::newRow("1") << QByteArray("[policy]\n6=1\n") << true << true;
+    QTest::newRow("True") << QByteArray("[policy]\n6=True\n") << true << true;
+    for (const char *word : {"no", "off", "yes", "2", "01", "true false", "\"true, 1\""})
+        QTest::newRow(word) << QByteArray("[policy]\n6=") + word + '\n' << true << false;
+    QTest::newRow("list") << QByteArray("[policy]\n6=true, true\n") << true << false;
     QTest::newRow("empty") << QByteArray("[policy]\n6=\n") << true << false;
     QTest::newRow("another number") << QByteArray("[policy]\n66=true\n") << false << false;
     QTest::newRow("another group") << QByteArray("[other]\n6=true\n") << false << false;
