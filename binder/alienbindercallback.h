@@ -11,10 +11,12 @@ class AlienBinderParcel;
 class AlienBinderRequestHandler
 {
 public:
-    virtual ~AlienBinderRequestHandler() = default;
     /// Reads the arguments from @p in and writes the results to @p out. False for a call that
     /// it does not know.
     virtual bool processRequest(quint32 code, AlienBinderParcel *in, AlienBinderParcel *out) = 0;
+
+protected:
+    ~AlienBinderRequestHandler() = default; // nobody owns one by this type
 };
 
 /// A local object that the daemon hands to the runtime in a call, so that the runtime can

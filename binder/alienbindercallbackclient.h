@@ -12,9 +12,11 @@ class AlienBinderTransaction;
 class AlienBinderDeathListener
 {
 public:
-    virtual ~AlienBinderDeathListener() = default;
     /// @p client ends its own life after this call; no pointer to it may be kept.
     virtual void died(AlienBinderCallbackClient *client) = 0;
+
+protected:
+    ~AlienBinderDeathListener() = default; // nobody owns one by this type
 };
 
 /// A remote object that the runtime handed to the daemon in a call, for transactions on it.
