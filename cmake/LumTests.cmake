@@ -18,6 +18,7 @@ function(lum_add_test name)
         add_dependencies(${name} lumd)
     endif()
     target_link_libraries(${name} PRIVATE ${ARG_LINKS} lum_test_support lum_rules)
+    target_precompile_headers(${name} REUSE_FROM lum_test_support)
     set(entries ${CMAKE_CURRENT_BINARY_DIR}/${name}_entries.cmake)
     set(include_file ${CMAKE_CURRENT_BINARY_DIR}/${name}_include.cmake)
     add_custom_command(TARGET ${name} POST_BUILD
