@@ -8,6 +8,7 @@
 #include <QDBusConnection>
 #include <QDBusVirtualObject>
 #include <QProcess>
+#include <QTimer>
 
 #include <optional>
 
@@ -21,7 +22,7 @@ const QString service = QStringLiteral("com.tovra.lumd");
 class MockDaemon : public QDBusVirtualObject
 {
 public:
-    explicit MockDaemon(const QString &error = {});
+    explicit MockDaemon(const QString &error = {}, int delayMilliseconds = 0);
     ~MockDaemon() override;
 
     QVector<QDBusMessage> calls() const { return m_calls; }
@@ -32,13 +33,15 @@ public:
 private:
     QDBusConnection m_bus;
     QString m_error;
+    int m_delayMilliseconds;
     QVector<QDBusMessage> m_calls;
 };
 
-MockDaemon::MockDaemon(const QString &error)
+MockDaemon::MockDaemon(const QString &error, int delayMilliseconds)
     : m_bus(QDBusConnection::connectToBus(
         QDBusConnection::SystemBus, QStringLiteral("mockdaemon-%1").arg(quintptr(this)))),
-      m_error(error)
+      m_error(error),
+      m_delayMilliseconds(delayMilliseconds)
 {
     if (!m_bus.registerVirtualObject(QStringLiteral("/com/tovra/lumd"), this)
         || !m_bus.registerService(service))
@@ -61,8 +64,10 @@ QString MockDaemon::introspect(const QString &path) const
 bool MockDaemon::handleMessage(const QDBusMessage &message, const QDBusConnection &connection)
 {
     m_calls.append(message);
-    connection.send(m_error.isNull() ? message.createReply()
-                                     : message.createErrorReply(QDBusError::Failed, m_error));
+    const QDBusMessage reply = m_error.isNull()
+        ? message.createReply()
+        : message.createErrorReply(QDBusError::Failed, m_error);
+    QTimer::singleShot(m_delayMilliseconds, this, [connection, reply] { connection.send(reply); });
     return true;
 }
 
@@ -78,7 +83,7 @@ Outcome run(const QStringList &arguments)
 {
     ChildProcess launcher;
     launcher.start(QStringLiteral(LAUNCHER_PROGRAM), arguments, {}, ChildProcess::Collect::Both);
-    if (!QTest::qWaitFor([&launcher] { return !launcher.isRunning(); }, 20000)
+    if (!QTest::qWaitFor([&launcher] { return !launcher.isRunning(); }, 50000)
         || !launcher.waitForExit())
         return {-1, {QStringLiteral("it does not end")}};
     return {launcher.exitCode(), launcher.lines()};
@@ -104,6 +109,7 @@ private Q_SLOTS:
     void badArgumentsAreRefused_data();
     void badArgumentsAreRefused();
     void refusalOfTheDaemonIsTold();
+    void lateAnswerIsWaitedFor();
     void missingDaemonIsTold();
     void missingBusIsTold();
     void generatedEntryLaunchesItsActivity();
@@ -187,6 +193,17 @@ void TestLumdLauncher::refusalOfTheDaemonIsTold()
         QStringList{QStringLiteral("lumd-launcher: cannot launch com.foo: not today")});
     QCOMPARE(outcome.exitCode, 1);
     QCOMPARE(daemon.calls().size(), 1);
+}
+
+void TestLumdLauncher::lateAnswerIsWaitedFor()
+{
+    const PrivateBus bus(PrivateBus::Kind::System);
+    constexpr int aboveTheUsualTimeLimit = 27000; // Qt D-Bus gives up after 25 seconds
+    const MockDaemon daemon({}, aboveTheUsualTimeLimit);
+    const Outcome outcome =
+        run({QStringLiteral("com.foo.apk"), QStringLiteral("com.foo/com.foo.Main")});
+    QCOMPARE(outcome.lines, QStringList());
+    QCOMPARE(outcome.exitCode, 0);
 }
 
 void TestLumdLauncher::missingDaemonIsTold()

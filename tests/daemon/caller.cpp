@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // A program of some user that calls the daemon, as the tests of the caller checks need it:
 //
-//     caller UID GID MANNER METHOD ARGUMENT
+//     caller UID GID MANNER METHOD ARGUMENT...
 //
+// An ARGUMENT is a string, but for "true" and "false", which are booleans.
 // MANNER is "plain", "hidden" (it forbids others to look at its memory) or "hasty" (it is gone
 // before the answer). It prints the result: "true", "false", "done" or an error's words.
 #include <QCoreApplication>
@@ -28,6 +29,13 @@ bool become(uid_t uid, gid_t gid)
     return setgroups(1, &disk) == 0 && setgid(gid) == 0 && setuid(uid) == 0;
 }
 
+QVariant argumentOf(const QString &text)
+{
+    if (text == QLatin1String("true") || text == QLatin1String("false"))
+        return text == QLatin1String("true");
+    return text;
+}
+
 QString resultOf(const QDBusMessage &reply)
 {
     if (reply.type() != QDBusMessage::ReplyMessage)
@@ -41,7 +49,7 @@ QString resultOf(const QDBusMessage &reply)
 
 int main(int argc, char **argv)
 {
-    if (argc != 6
+    if (argc < 5
         || !become(static_cast<uid_t>(std::atoi(argv[1])), static_cast<gid_t>(std::atoi(argv[2]))))
         return EXIT_FAILURE;
     const QByteArray manner(argv[3]);
@@ -52,7 +60,8 @@ int main(int argc, char **argv)
     QDBusMessage message = QDBusMessage::createMethodCall(QStringLiteral("com.tovra.lumd"),
         QStringLiteral("/com/tovra/lumd"), QStringLiteral("com.tovra.lumd"),
         QString::fromUtf8(argv[4]));
-    message.setArguments({QString::fromUtf8(argv[5])});
+    for (int at = 5; at < argc; ++at)
+        message << argumentOf(QString::fromUtf8(argv[at]));
     QDBusConnection bus = QDBusConnection::systemBus();
     if (manner == "hasty") {
         bus.send(message);

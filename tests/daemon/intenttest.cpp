@@ -88,7 +88,7 @@ QVector<QByteArray> IntentTest::takeBodies(quint32 code)
     QVector<QByteArray> bodies;
     for (const Request &request : m_world->requests(activity, code))
         bodies.append(request.payload);
-    m_windowQuestions = m_world->requests(surfaceFlinger, hasWindowCode).size();
+    m_windowQuestions = names(m_world->requests(surfaceFlinger, hasWindowCode));
     m_world->android->clearRequests();
     return bodies;
 }

@@ -56,13 +56,13 @@ class IntentTest : public QObject
 protected:
     /// Puts that in place around a new daemon.
     bool start();
-    /// The bodies of startActivity since the last look; counts m_windowQuestions too.
+    /// The bodies of startActivity since the last look; sets m_windowQuestions too.
     QVector<QByteArray> takeBodies(quint32 code = startActivityCode);
     /// What the daemon warned of since the function began.
     QStringList warnings() const;
 
     std::unique_ptr<AppFixture> m_world;
-    int m_windowQuestions = 0; ///< how often a window was looked for
+    QStringList m_windowQuestions; ///< the packages whose windows were looked for
 
 private Q_SLOTS:
     void initTestCase();

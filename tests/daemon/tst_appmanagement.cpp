@@ -156,6 +156,10 @@ void TestAppManagement::sizeOfTheDataIsWithoutTheCache_data()
     QTest::newRow("failed call") << Reply::failure(-1) << QStringLiteral("-1 0 -1")
                                  << QStringLiteral("critical com.tovra.lumd.binder Error "
                                                    "requesting package stats: -1");
+    // Its message is read as if it were the sizes.
+    QTest::newRow("exception") << Reply::data(
+        ParcelWriter().int32(-1).int32(0).int64(1).int64(2).int64(3).bytes())
+                               << QStringLiteral("1 -1 3") << none;
     QTest::newRow("reply without data") << Reply::data({}) << QStringLiteral("-1 0 -1") << none;
 }
 
@@ -308,6 +312,11 @@ void TestAppManagement::nothingHappensWithoutTheRuntime()
 {
     QFETCH(QString, state);
     m_world->systemd.setUnitStateSilently(state, QStringLiteral("test"));
+    if (state == QLatin1String("inactive")) {
+        // They would answer if they were asked.
+        for (const char *service : {"package", "activity", "storagestats", "deviceidle"})
+            m_world->android->registerService(QString::fromLatin1(service));
+    }
     QVERIFY(m_world->start());
     m_world->systemd.clearCalls();
     for (const char *method : {"deleteAppCacheFiles", "clearAppUserData", "forceStopApp"})

@@ -95,6 +95,7 @@ void TestAppManagementDataUsage::firstNumberIsTheAnswer()
     QVERIFY(m_world->start());
     QCOMPARE(usage(), QStringLiteral("t ") + bytes);
     QCOMPARE(DaemonFixture::settle(), true);
+    QCOMPARE(m_world->starts(), 0);
     QTRY_COMPARE(m_world->daemonLines(), isWarned ? QStringList{noAnswer} : QStringList());
 }
 

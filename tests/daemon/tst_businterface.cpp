@@ -94,7 +94,6 @@ void TestBusInterface::internalSlotIsAnUnknownMethod_data()
     QTest::addColumn<QVariantList>("arguments");
 
     const QVariant text = QStringLiteral("com.foo");
-    const QVariantList flag{true};
     const auto row = [](const char *tag, const char *method, const QVariantList &arguments) {
         QTest::newRow(tag) << QString::fromLatin1(method) << arguments;
     };
@@ -102,12 +101,6 @@ void TestBusInterface::internalSlotIsAnUnknownMethod_data()
     row("publishNotification", "publishNotification", {text, true});
     row("installFile with a source", "installFile", {text, 0});
     row("launchIntent without extras", "launchIntent", {text, text, text, text, text, text});
-    row("onNotifyInstallationResult", "onNotifyInstallationResult", {true, text, text});
-    row("onNotifyUninstallationResult", "onNotifyUninstallationResult", {true, text});
-    row("onAlienServiceAvailable", "onAlienServiceAvailable", flag);
-    row("onPackageManagerAvailable", "onPackageManagerAvailable", flag);
-    row("onActivityManagerAvailable", "onActivityManagerAvailable", flag);
-    row("deleteLater", "deleteLater", {});
 }
 
 void TestBusInterface::internalSlotIsAnUnknownMethod()

@@ -3,81 +3,21 @@
 #include "daemon/lumdaemon.h"
 
 #include "tests/daemon/appfixture.h"
+#include "tests/daemon/callas.h"
+#include "tests/daemon/openwatch.h"
 #include "tests/support/logcapture.h"
-#include "tests/support/mounts.h"
-#include "tests/support/systemcalls.h"
 #include "tests/support/testmain.h"
 
 #include <QDBusConnection>
-#include <QDir>
+#include <QFile>
 
 #include <csignal>
 
 namespace {
 
-constexpr uint ordinaryId = 12345;
-
-/// A process as /proc shows it. Where the namespace has but one user and group these get the
-/// names; elsewhere the process runs under ids of these names.
-struct Identity
-{
-    QString owner;
-    QString group;
-
-    static uint idOf(const QString &name)
-    {
-        if (!SystemCalls::hasUser(ordinaryId) || name == QLatin1String("root"))
-            return 0;
-        return name == QLatin1String("disk") ? 6 : ordinaryId;
-    }
-
-    /// Makes the two names known.
-    void enter() const
-    {
-        QByteArray users = "root:x:0:0::/:/bin/sh\n";
-        QByteArray groups = "root:x:0:\n";
-        if (idOf(owner) == 0)
-            users.clear();
-        if (idOf(group) == 0)
-            groups.clear();
-        else if (group != QLatin1String("disk"))
-            groups += "disk:x:6:\n";
-        const auto line = [](const QString &name) {
-            return name.toUtf8() + ":x:" + QByteArray::number(idOf(name));
-        };
-        makeFile(QStringLiteral("/run/users"), users + line(owner) + ":0::/:/bin/sh\n");
-        makeFile(QStringLiteral("/run/groups"), groups + line(group) + ":\n");
-    }
-};
-
-Identity ordinary()
-{
-    return {QStringLiteral("nemo"), QStringLiteral("nemo")};
-}
-
 void setPolicy(const QByteArray &text)
 {
     makeFile(QStringLiteral("/etc/lumd/platform/policy.conf"), text);
-}
-
-/// What the program printed, and its end.
-QString callAs(
-    const Identity &identity, const QString &manner, const QString &method, const QString &argument)
-{
-    identity.enter();
-    ChildProcess caller;
-    caller.start(QStringLiteral(CALLER_PROGRAM),
-        {QString::number(Identity::idOf(identity.owner)),
-            QString::number(Identity::idOf(identity.group)), manner, method, argument},
-        {}, ChildProcess::Collect::Output);
-    if (!caller.waitForExit() || caller.exitCode() != 0)
-        return QStringLiteral("the caller failed");
-    return caller.lines().join(QLatin1Char('\n'));
-}
-
-QString plain()
-{
-    return QStringLiteral("plain");
 }
 
 /// An apk that exists, so that a permitted request comes through.
@@ -106,7 +46,7 @@ private Q_SLOTS:
     void refusalIsInTheUsersWords_data();
     void refusalIsInTheUsersWords();
     void callerIsJudgedBeforeAllElse();
-    void otherMethodsAreOpen();
+    void policyIsNotReadForThePrivileged();
     void policyIsReadAtEachCall();
     void callerThatHasGoneIsJudgedByThePolicy_data();
     void callerThatHasGoneIsJudgedByThePolicy();
@@ -121,10 +61,7 @@ void TestCallers::initTestCase()
 {
     m_world = std::make_unique<AppFixture>();
     makeFile(apk());
-    makeFile(QStringLiteral("/run/users"));
-    makeFile(QStringLiteral("/run/groups"));
-    Mounts::bind(QStringLiteral("/run/users"), QStringLiteral("/etc/passwd"));
-    Mounts::bind(QStringLiteral("/run/groups"), QStringLiteral("/etc/group"));
+    replaceUsersAndGroups();
 }
 
 void TestCallers::init()
@@ -168,8 +105,8 @@ void TestCallers::callerIsJudgedByOwnerAndGroup()
     QVERIFY(m_world->start());
     // Who is let in by name is let in whatever the policy says.
     setPolicy("[policy]\n6=false\n");
-    QCOMPARE(callAs({owner, group}, plain(), QStringLiteral("installFile"), apk()), result);
-    QCOMPARE(callAs({owner, group}, plain(), QStringLiteral("removeFile"), apk()), result);
+    QCOMPARE(callAs({owner, group}, plain(), QStringLiteral("installFile"), {apk()}), result);
+    QCOMPARE(callAs({owner, group}, plain(), QStringLiteral("removeFile"), {apk()}), result);
 }
 
 void TestCallers::policyLetsEverybodyIn_data()
@@ -189,8 +126,8 @@ void TestCallers::policyLetsEverybodyIn()
     QFETCH(QString, result);
     setPolicy(policy);
     QVERIFY(m_world->start());
-    QCOMPARE(callAs(ordinary(), plain(), QStringLiteral("installFile"), apk()), result);
-    QCOMPARE(callAs(ordinary(), plain(), QStringLiteral("removeFile"), apk()), result);
+    QCOMPARE(callAs(ordinary(), plain(), QStringLiteral("installFile"), {apk()}), result);
+    QCOMPARE(callAs(ordinary(), plain(), QStringLiteral("removeFile"), {apk()}), result);
 }
 
 void TestCallers::refusalIsToldToTheUser_data()
@@ -217,7 +154,7 @@ void TestCallers::refusalIsToldToTheUser()
     QFETCH(QString, text);
     makeFile(marker(QStringLiteral("a.apk")));
     QVERIFY(m_world->start());
-    QCOMPARE(callAs(ordinary(), plain(), method, apk()), QStringLiteral("false"));
+    QCOMPARE(callAs(ordinary(), plain(), method, {apk()}), QStringLiteral("false"));
     QTRY_COMPARE(m_world->notifications.texts(), QStringList{remark(Remark::Warning, text)});
     QTRY_COMPARE(m_world->daemonLines(), words);
     DaemonFixture::call(QStringLiteral("controlServiceAutostart"), {false});
@@ -243,7 +180,7 @@ void TestCallers::refusalIsInTheUsersWords()
     QFETCH(QString, text);
     AppFixture::installCatalogues();
     QVERIFY(m_world->start());
-    QCOMPARE(callAs(ordinary(), plain(), method, apk()), QStringLiteral("false"));
+    QCOMPARE(callAs(ordinary(), plain(), method, {apk()}), QStringLiteral("false"));
     QTRY_COMPARE(m_world->notifications.texts(), QStringList{remark(Remark::Warning, text)});
 }
 
@@ -251,19 +188,24 @@ void TestCallers::callerIsJudgedBeforeAllElse()
 {
     QVERIFY(QFile::remove(QStringLiteral("/opt/alien/system.img")));
     QVERIFY(m_world->start());
-    QCOMPARE(callAs(ordinary(), plain(), QStringLiteral("installFile"), QStringLiteral("a.apk")),
+    QCOMPARE(callAs(ordinary(), plain(), QStringLiteral("installFile"), {QStringLiteral("a.apk")}),
         QStringLiteral("false"));
     QTRY_COMPARE(m_world->daemonLines(),
         QStringList({QStringLiteral("debug installFile: \"a.apk\""),
             QStringLiteral("critical APK installation prohibited")}));
 }
 
-void TestCallers::otherMethodsAreOpen()
+void TestCallers::policyIsNotReadForThePrivileged()
 {
+    setPolicy("[policy]\n6=true\n");
     QVERIFY(m_world->start());
-    for (const char *method : {"launchApp", "openAppSettings", "forceStopApp"})
-        QCOMPARE(callAs(ordinary(), plain(), QString::fromLatin1(method), QStringLiteral("com.a")),
-            QStringLiteral("done"));
+    const OpenWatch watch("/etc/lumd/platform");
+    const QString method = QStringLiteral("removeFile");
+    const Identity root{QStringLiteral("root"), QStringLiteral("root")};
+    QCOMPARE(callAs(root, plain(), method, {apk()}), QStringLiteral("true"));
+    QCOMPARE(watch.opened(), QStringList());
+    QCOMPARE(callAs(ordinary(), plain(), method, {apk()}), QStringLiteral("true"));
+    QVERIFY(watch.opened().contains(QStringLiteral("policy.conf")));
 }
 
 void TestCallers::policyIsReadAtEachCall()
@@ -271,11 +213,11 @@ void TestCallers::policyIsReadAtEachCall()
     QVERIFY(m_world->start());
     const QString method = QStringLiteral("removeFile");
     const QString package = QStringLiteral("com.a");
-    QCOMPARE(callAs(ordinary(), plain(), method, package), QStringLiteral("false"));
+    QCOMPARE(callAs(ordinary(), plain(), method, {package}), QStringLiteral("false"));
     setPolicy("[policy]\n6=true\n");
-    QCOMPARE(callAs(ordinary(), plain(), method, package), QStringLiteral("true"));
+    QCOMPARE(callAs(ordinary(), plain(), method, {package}), QStringLiteral("true"));
     setPolicy("[policy]\n6=false\n");
-    QCOMPARE(callAs(ordinary(), plain(), method, package), QStringLiteral("false"));
+    QCOMPARE(callAs(ordinary(), plain(), method, {package}), QStringLiteral("false"));
 }
 
 void TestCallers::callerThatHasGoneIsJudgedByThePolicy_data()
@@ -298,7 +240,7 @@ void TestCallers::callerThatHasGoneIsJudgedByThePolicy()
     // A caller that would be let in, were it still there.
     const Identity root{QStringLiteral("root"), QStringLiteral("root")};
     QCOMPARE(callAs(root, QStringLiteral("hasty"), QStringLiteral("installFile"),
-                 QStringLiteral("/run/apps/b.apk")),
+                 {QStringLiteral("/run/apps/b.apk")}),
         QString());
     m_world->daemon->signal(SIGCONT);
     QTRY_COMPARE(m_world->daemonLines(),
@@ -309,7 +251,7 @@ void TestCallers::callerThatHidesItselfIsJudgedAllTheSame()
 {
     // The kernel gives what is in its folder under /proc to root, but not the folder.
     QVERIFY(m_world->start());
-    QCOMPARE(callAs(ordinary(), QStringLiteral("hidden"), QStringLiteral("installFile"), apk()),
+    QCOMPARE(callAs(ordinary(), QStringLiteral("hidden"), QStringLiteral("installFile"), {apk()}),
         QStringLiteral("false"));
 }
 

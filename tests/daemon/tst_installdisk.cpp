@@ -27,6 +27,12 @@ QString alreadyThere(const QString &name)
         .arg(incoming(name));
 }
 
+QString couldNotRename()
+{
+    return QStringLiteral("critical Could not rename file: \"%1.tmp\" -> \"%1\"")
+        .arg(incoming(QStringLiteral("a.apk")));
+}
+
 QString cannotSet(const char *property)
 {
     return QStringLiteral("warning Cannot set %1 of directory: \"%2\"")
@@ -50,6 +56,8 @@ private Q_SLOTS:
     void readOnlyFolderIsLeftAsItIs();
     void folderInTheWayLeavesTheTemporaryFile();
     void folderInTheTemporaryFilesWayStopsTheCopy();
+    void linkThatLeadsNowhereGoesWithTheFailure_data();
+    void linkThatLeadsNowhereGoesWithTheFailure();
     void refusedModeLeavesTheStagedFile();
     void refusedOwnerLeavesTheStagedFile();
 
@@ -135,10 +143,7 @@ void TestInstallDisk::folderInTheWayLeavesTheTemporaryFile()
     makeFile(source(), contents);
     QVERIFY(m_world->start());
     QVERIFY(QDir().mkpath(incoming(name)));
-    m_world->expectFailure(source(),
-        {alreadyThere(name),
-            QStringLiteral("critical Could not rename file: \"%1.tmp\" -> \"%1\"")
-                .arg(incoming(name))});
+    m_world->expectFailure(source(), {alreadyThere(name), couldNotRename()});
     QVERIFY(QFileInfo(incoming(name)).isDir());
     QCOMPARE(fileContents(incoming(QStringLiteral("a.apk.tmp"))), contents);
 
@@ -161,6 +166,29 @@ void TestInstallDisk::folderInTheTemporaryFilesWayStopsTheCopy()
                 .arg(incoming(name)),
             couldNotCopy(source(), name)});
     QCOMPARE(entries(incoming()), QStringList{QStringLiteral("a.apk.tmp")});
+}
+
+void TestInstallDisk::linkThatLeadsNowhereGoesWithTheFailure_data()
+{
+    QTest::addColumn<QString>("link");
+    QTest::addColumn<QString>("words");
+    QTest::addColumn<QStringList>("left");
+    QTest::newRow("copy") << QStringLiteral("a.apk.tmp")
+                          << couldNotCopy(source(), QStringLiteral("a.apk")) << QStringList();
+    QTest::newRow("rename") << QStringLiteral("a.apk") << couldNotRename()
+                            << QStringList{QStringLiteral("a.apk.tmp")};
+}
+
+void TestInstallDisk::linkThatLeadsNowhereGoesWithTheFailure()
+{
+    QFETCH(QString, link);
+    QFETCH(QString, words);
+    QFETCH(QStringList, left);
+    makeFile(source(), contents);
+    QVERIFY(m_world->start());
+    QVERIFY(QFile::link(QStringLiteral("/no/where"), incoming(link)));
+    m_world->expectFailure(source(), {words});
+    QCOMPARE(entries(incoming()), left);
 }
 
 void TestInstallDisk::refusedModeLeavesTheStagedFile()

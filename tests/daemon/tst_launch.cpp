@@ -180,11 +180,19 @@ void TestLaunch::launchThatFailsIsGivenUp()
     const QStringList packages{QStringLiteral("com.a"), QStringLiteral("com.b")};
     for (const QString &package : packages)
         QCOMPARE(launchApp(package), QString());
+    m_world->android->registerService(packageManager);
     m_world->android->registerService(monitor, [](const Request &) { return Reply::failure(-1); });
-    QVERIFY(m_world->bringUpRuntime());
+    QVERIFY(m_world->connectToRuntime());
     QTRY_COMPARE(m_world->daemonLines().mid(2),
         QStringList(
             {launchedFromTheQueue(packages.first(), 1), launchedFromTheQueue(packages.last(), 0)}));
+    QCOMPARE(names(m_world->requests(monitor, launchCode)), packages);
+
+    m_world->android->killService(monitor);
+    QVERIFY(m_world->daemon->waitForLine(
+        QStringLiteral("warning com.tovra.lumd.binder alien died! Trying to reconnect.")));
+    m_world->daemon->clearLines();
+    QVERIFY(bringUp({monitor}));
     QCOMPARE(names(m_world->requests(monitor, launchCode)), packages);
 }
 

@@ -113,7 +113,8 @@ void TestLaunchIntent::everyArgumentHasItsField()
     QFETCH(Intent, intent);
     QCOMPARE(launch(call), QString());
     QCOMPARE(takeBodies(), QVector<QByteArray>{startActivityBody(intent)});
-    QCOMPARE(m_windowQuestions, intent.package.isEmpty() ? 0 : 1);
+    QCOMPARE(
+        m_windowQuestions, intent.package.isEmpty() ? QStringList() : QStringList{intent.package});
     QCOMPARE(warnings(), QStringList());
     QCOMPARE(m_world->starts(), 0);
     QCOMPARE(m_world->notifications.texts(), QStringList());
@@ -230,7 +231,7 @@ void TestLaunchIntent::appSettingsAreOpenedForThePackage()
     intent.flags = 0x10008000;
     intent.package = QStringLiteral("com.android.settings");
     QCOMPARE(takeBodies(), QVector<QByteArray>{startActivityBody(intent)});
-    QCOMPARE(m_windowQuestions, 1);
+    QCOMPARE(m_windowQuestions, QStringList{intent.package});
     QTRY_COMPARE(m_world->daemonLines(),
         QStringList({QStringLiteral("debug Opening app settings for \"%1\"").arg(package),
             QStringLiteral("debug Launching  \"android.settings.APPLICATION_DETAILS_SETTINGS\" "
@@ -245,7 +246,7 @@ void TestLaunchIntent::licensesAreShown()
     intent.flags = 0x10008000;
     intent.package = QStringLiteral("com.android.settings");
     QCOMPARE(takeBodies(), QVector<QByteArray>{startActivityBody(intent)});
-    QCOMPARE(m_windowQuestions, 1);
+    QCOMPARE(m_windowQuestions, QStringList{intent.package});
     QTRY_COMPARE(m_world->daemonLines(),
         QStringList({QStringLiteral("debug Opening legal information settings page"),
             QStringLiteral("debug Launching  \"android.settings.LEGAL_INFO\" "

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "tests/support/notificationserver.h"
 
+#include <QCoreApplication>
+#include <QDBusConnectionInterface>
 #include <QDBusError>
 
 namespace {
@@ -41,8 +43,19 @@ NotificationServer::~NotificationServer()
     QDBusConnection::disconnectFromBus(m_bus.name());
 }
 
-QStringList NotificationServer::texts() const
+// What has been sent lies with the bus. While that answers the first question it reads what others
+// have sent, and passes it on before it answers the second.
+void NotificationServer::settle()
 {
+    const QString name = QStringLiteral("org.freedesktop.Notifications");
+    for (int question = 0; question < 2; ++question)
+        m_bus.interface()->isServiceRegistered(name);
+    QCoreApplication::processEvents();
+}
+
+QStringList NotificationServer::texts()
+{
+    settle();
     QStringList texts;
     for (const Notice &notice : m_notices)
         texts.append(textOf(notice));

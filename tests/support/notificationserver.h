@@ -33,9 +33,9 @@ public:
     ~NotificationServer() override;
 
     QVector<Notice> notices() const { return m_notices; }
-    /// One line a notice, of everything in it:
+    /// One line a notice, of everything in it, of all that were sent before the call:
     /// `"app" 0 "icon" "summary" "body" actions() hints(transient=true:bool) -1`.
-    QStringList texts() const;
+    QStringList texts();
     void clear() { m_notices.clear(); }
 
 public Q_SLOTS:
@@ -45,6 +45,8 @@ public Q_SLOTS:
         const QVariantMap &hints, qint32 timeout);
 
 private:
+    void settle();
+
     QDBusConnection m_bus;
     QVector<Notice> m_notices;
 };
