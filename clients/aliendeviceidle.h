@@ -14,6 +14,7 @@ public:
 
     /// Lost without a link; logged as critical when the call fails.
     void setWhitelisted(const QString &packageName, bool allowed);
-    /// False without a link and, with a critical message, when the call fails.
+    /// False without a link and, with a critical message, when the call fails. An exception
+    /// counts as a failure, but what follows it is still read as the answer.
     bool isWhitelisted(const QString &packageName);
 };

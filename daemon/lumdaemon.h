@@ -55,8 +55,10 @@ public Q_SLOTS:
     /// Passes @p mod to the runtime's package manager, connected or not.
     void triggerPackageMod(const PackageMod &mod);
 
-    // App management. Without the runtime these do nothing and answer with a default.
+    /// Bytes, as du counts them, whether the runtime is up or not. 0 when it cannot tell.
     quint64 getAndroidAppDataUsage();
+
+    // App management. Without the runtime these do nothing and answer with a default.
     bool getAppStartOnBootup(const QString &packageName);
     void setAppStartOnBootup(const QString &packageName, bool autoStartAllowed);
     AppSizeInfo getAppSize(const QString &packageName);
@@ -120,10 +122,11 @@ private:
     AlienDeviceIdle m_deviceIdle;
     DesktopManager m_desktopManager;
     ServiceController *m_serviceController;
-    QStringList m_spareList;
+    QStringList m_spareList; // unused; it keeps its place among the members
     ApkConfig *m_config;
     QList<PackageMod> m_deferredMods;
     QStringList m_deferredLaunches;
     QList<AlienIntent> m_intentQueue;
+    // Keeps an intent that arrives in a nested event loop from overtaking the one being launched.
     bool m_intentQueueBusy = false;
 };

@@ -64,6 +64,7 @@ bool openToRuntime(const QString &target)
     return true;
 }
 
+// Under the file's own name, with the number that it may have; announcements look without one.
 void markAsPartnerSpace(const QString &apkName)
 {
     QFile marker(QLatin1String(Paths::partnerSpace) + apkName);

@@ -3,5 +3,6 @@
 
 #include <QString>
 
-/// Blocks until the runtime shows a window of @p package, for 5 seconds at most.
+/// Blocks until the runtime shows a window of @p package. Gives up when it has none after ten
+/// questions, with half a second after each; a runtime that does not answer blocks for longer.
 void waitForWindow(const QString &package);

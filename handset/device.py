@@ -18,8 +18,12 @@ LUMD = "lumd.service"
 RUNTIME = "aliendalvik.service"
 BUS_NAME = "com.tovra.lumd"
 OBJECT_PATH = "/com/tovra/lumd"
+# Longest time, in seconds, that anything on the handset may take to happen.
+PATIENCE = 120
+
 # Makes calls shorter to type, and to read.
-SHORTHAND = f'lumd() {{ busctl call {BUS_NAME} {OBJECT_PATH} {BUS_NAME} "$@"; }}'
+SHORTHAND = (f"lumd() {{ busctl --timeout={PATIENCE} call "
+             f'{BUS_NAME} {OBJECT_PATH} {BUS_NAME} "$@"; }}')
 RUNTIME_APPS = "/var/lib/alien-runtime/apps"
 RUNTIME_CONFIG = "/etc/alien-runtime.conf"
 BLACKLIST = "/etc/lumd/app-blacklist"
@@ -38,9 +42,6 @@ VERBOSE_TEXT = "[Service]\nEnvironment=QT_LOGGING_RULES=com.tovra.lumd.*.debug=t
 
 # Services of the runtime to which lumd keeps a connection.
 PERSISTENT_SERVICES = ("package", "activity", "alarm", "alien")
-
-# Longest time that anything on the handset may take to happen.
-PATIENCE = 120
 
 File = collections.namedtuple("File", "data inode changed")
 

@@ -9,7 +9,8 @@ bool runtimeImageExists();
 bool runtimeInRepos();
 
 /// Opens the store client at the runtime's page, as the user of the active seat, or as root
-/// when no seat is active, and waits for the launcher program. The launcher's exit status, or
-/// 1, after a message on standard error, when it could not be run. A child that fails before
-/// it has become the launcher returns from here too, as a second copy of the process.
+/// when no seat is active, and waits for the launcher program; gives the launcher's exit status.
+/// Without that program the forked child returns from here too, with 1 and after a message on
+/// standard error, and goes on as a second copy of the process, for whose end the first waits:
+/// a device whose repositories carry the runtime must have the launcher.
 int offerRuntimePackage();
