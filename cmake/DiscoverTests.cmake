@@ -3,6 +3,7 @@
 #
 # TEST_EXECUTABLE  the executable
 # TEST_NAME        what the names of the entries begin with
+# SECOND_DAEMON    another lumd, that each function is to run with as well; may be empty
 # ENTRIES          the file to write
 # MEASURES_COVERAGE    whether the line coverage is read off after all of them
 set(time_limit 60)
@@ -28,5 +29,12 @@ foreach(function IN LISTS functions)
     string(APPEND text
         "add_test([=[${TEST_NAME}.${function}]=] [=[${TEST_EXECUTABLE}]=] [=[${function}]=])\n"
         "set_tests_properties([=[${TEST_NAME}.${function}]=] PROPERTIES ${properties})\n")
+    if(SECOND_DAEMON)
+        set(name "release.${TEST_NAME}.${function}")
+        string(APPEND text
+            "add_test([=[${name}]=] [=[${TEST_EXECUTABLE}]=] [=[${function}]=])\n"
+            "set_tests_properties([=[${name}]=] PROPERTIES ${properties}\n"
+            "    ENVIRONMENT [=[LUMD_PROGRAM=${SECOND_DAEMON}]=])\n")
+    endif()
 endforeach()
 file(WRITE ${ENTRIES} "${text}")

@@ -1,10 +1,13 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # The two kinds of target of this project, with the rules that all of them keep.
 
+set(CMAKE_COMPILE_WARNING_AS_ERROR ON
+    CACHE BOOL "Warnings are errors; who packages for another compiler may switch it off")
+
 # Warnings and language rules; every target of the project's own code takes them.
 add_library(lum_rules INTERFACE)
 target_compile_options(lum_rules INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion
     # Qt's logging macros are called with nothing for their dots.
     $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>)
 target_compile_definitions(lum_rules INTERFACE

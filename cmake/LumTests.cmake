@@ -3,19 +3,25 @@
 # own time limit and its own line in the summary.
 set(LUM_DISCOVER_TESTS ${CMAKE_CURRENT_LIST_DIR}/DiscoverTests.cmake)
 
-# Tells the entries of a second build from those of the first, where one CTest run takes both.
-set(LUMD_TEST_PREFIX "" CACHE STRING "What the names of all tests begin with")
+# The daemon as it is installed must pass what the one with sanitizers passes.
+set(LUMD_RELEASE_BUILD "" CACHE PATH
+    "A second build, whose lumd the tests of the daemon run as well, as \"release.<name>.<function>\"")
 
 # lum_add_test(<name> [USES_DAEMON] SOURCES <file>... LINKS <target>...)
 #
 # A Qt Test executable against the fake libgbinder. Its functions are found when it was
-# built, as the entries "<name>.<function>". USES_DAEMON: it starts lumd (DaemonProcess).
+# built, as the entries "<name>.<function>". USES_DAEMON: it starts lumd (DaemonProcess), and with
+# LUMD_RELEASE_BUILD that of the second build too.
 function(lum_add_test name)
     cmake_parse_arguments(ARG "USES_DAEMON" "" "SOURCES;LINKS" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     set_target_properties(${name} PROPERTIES GBINDER_LIBRARY fakegbinder)
+    set(second_daemon "")
     if(ARG_USES_DAEMON)
         add_dependencies(${name} lumd)
+        if(LUMD_RELEASE_BUILD)
+            set(second_daemon ${LUMD_RELEASE_BUILD}/daemon/lumd)
+        endif()
     endif()
     target_link_libraries(${name} PRIVATE ${ARG_LINKS} lum_test_support lum_rules)
     target_precompile_headers(${name} REUSE_FROM lum_test_support)
@@ -24,7 +30,8 @@ function(lum_add_test name)
     add_custom_command(TARGET ${name} POST_BUILD
         COMMAND ${CMAKE_COMMAND}
             -D TEST_EXECUTABLE=$<TARGET_FILE:${name}>
-            -D TEST_NAME=${LUMD_TEST_PREFIX}${name}
+            -D TEST_NAME=${name}
+            -D SECOND_DAEMON=${second_daemon}
             -D MEASURES_COVERAGE=${LUMD_COVERAGE}
             -D ENTRIES=${entries}
             -P ${LUM_DISCOVER_TESTS}

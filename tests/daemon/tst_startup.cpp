@@ -94,7 +94,7 @@ void TestStartup::otherUserIsTurnedAway()
 {
     // Its own name is told as the process got it. The build folder may be closed to others.
     const QString nickname = QStringLiteral("/run/nickname");
-    QVERIFY(QFile::copy(QStringLiteral(LUMD_PATH), nickname));
+    QVERIFY(QFile::copy(DaemonProcess::program(), nickname));
     QVERIFY(QFile::copy(QStringLiteral(FAKE_GBINDER_DIR "/libgbinder.so.1"),
         QStringLiteral("/run/libgbinder.so.1")));
     QVERIFY(QFile::copy(QStringLiteral(GLIBUTIL_PATH), QStringLiteral("/run/libglibutil.so.1")));

@@ -51,7 +51,8 @@ class CheckTest(TreeTest):
 
     def testCleanTreePassesEveryLinter(self):
         self.assertEqual(self.check(), (
-            0, ['format: clean', 'rules: clean', 'tidy: clean', 'clazy: clean']))
+            0, ['format: clean', 'rules: clean', 'scripts: clean', 'tidy: clean',
+                'clazy: clean']))
 
     def testFormatRefusesUglyFile(self):
         self.write_config(UGLY)
@@ -83,6 +84,19 @@ class CheckTest(TreeTest):
         self.write_config(source('int three(;'))
         self.assert_finds('tidy', 'error:')
         self.assert_finds('clazy', 'error:')
+
+    def testScriptsReadsShellByItsFirstLine(self):
+        self.write('tools/fine', f'#!/bin/sh\n# {LICENCE}\necho "$1"\n', executable=True)
+        self.assertEqual(self.check('scripts'), (0, ['scripts: clean']))
+        self.write('tools/some', f'#!/bin/bash\n# {LICENCE}\ncd "$1"\n', executable=True)
+        self.assert_finds('scripts', 'In tools/some line 3:')
+
+    def testScriptsReadsPythonByFirstLineAndByName(self):
+        for path, first in (('tools/some', '#!/usr/bin/python3\n'), ('tests/some.py', '')):
+            with self.subTest(path):
+                self.write(path, f'{first}# {LICENCE}\nimport os\n')
+                self.assert_finds('scripts', f"{path}:{3 if first else 2}:1: 'os' imported")
+                (self.root / path).unlink()
 
     def testRulesAreRun(self):
         self.write_config('int three();\n')

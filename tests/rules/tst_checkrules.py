@@ -193,6 +193,12 @@ class CheckRulesTest(TreeTest):
         self.write('CMakeLists.txt', CMAKE + f'add_executable(some {sources})\n')
         self.assert_finds(*expected)
 
+    def testIncludePastTheIncludeFolders(self):
+        self.add_source('config/some.cpp', '#include "../runtime/names.h"',
+                        '#include "config/../runtime/names.h"', '#include <../names.h>')
+        self.assert_finds(
+            *(f'config/some.cpp:{line}: includes by way of ".."' for line in (2, 3, 4)))
+
     def testSystemHeadersAreNoRooms(self):
         self.add_source('config/some.cpp', '#include <systemd/sd-login.h>', '#include <QDir>')
         self.assert_clean()

@@ -71,9 +71,14 @@ void DaemonProcess::setLoggingRules(const QString &rules)
     setEnvironment(QStringLiteral("QT_LOGGING_RULES"), rules);
 }
 
+QString DaemonProcess::program()
+{
+    return qEnvironmentVariable("LUMD_PROGRAM", QStringLiteral(LUMD_PROGRAM));
+}
+
 void DaemonProcess::start()
 {
-    m_process.start(QStringLiteral(LUMD_PROGRAM), {}, m_environment, ChildProcess::Collect::Errors);
+    m_process.start(program(), {}, m_environment, ChildProcess::Collect::Errors);
 }
 
 int DaemonProcess::processId() const

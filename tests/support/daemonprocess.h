@@ -22,6 +22,9 @@ public:
     /// QT_LOGGING_RULES; "com.tovra.lumd.*=true" unless set.
     void setLoggingRules(const QString &rules);
 
+    /// The lumd of the environment variable LUMD_PROGRAM, else the one of this build.
+    static QString program();
+
     void start();
     int processId() const;
     bool isRunning() const;
