@@ -3,13 +3,18 @@
 //
 //     caller UID GID MANNER METHOD ARGUMENT...
 //
-// An ARGUMENT is a string, but for "true" and "false", which are booleans.
-// MANNER is "plain", "hidden" (it forbids others to look at its memory) or "hasty" (it is gone
-// before the answer). It prints the result: "true", "false", "done" or an error's words.
+// METHOD is one of the daemon's interface, "INTERFACE.NAME", or ".NAME" for no interface.
+// An ARGUMENT is a string, but for "true" and "false", which are booleans, and "@", which is an
+// open descriptor.
+// MANNER is "plain", "hidden" (it forbids others to look at its memory), "hasty" (it is gone
+// before the answer), "signal" (METHOD is a signal to the daemon), "owner" (it asks for the
+// daemon's name instead) or a connection's name, which is called in the daemon's place. It prints
+// the result: "true", "false", "done" or an error's words.
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusUnixFileDescriptor>
 
 #include <grp.h>
 #include <sys/prctl.h>
@@ -33,7 +38,21 @@ QVariant argumentOf(const QString &text)
 {
     if (text == QLatin1String("true") || text == QLatin1String("false"))
         return text == QLatin1String("true");
+    if (text == QLatin1String("@"))
+        return QVariant::fromValue(QDBusUnixFileDescriptor(STDIN_FILENO));
     return text;
+}
+
+QDBusMessage messageOf(const QString &manner, const QString &name)
+{
+    const int dot = name.lastIndexOf(QLatin1Char('.'));
+    const QString interface = dot < 0 ? QStringLiteral("com.tovra.lumd") : name.left(dot);
+    const QString path = QStringLiteral("/com/tovra/lumd");
+    const QString daemon = QStringLiteral("com.tovra.lumd");
+    if (manner == QLatin1String("signal"))
+        return QDBusMessage::createTargetedSignal(daemon, path, interface, name.mid(dot + 1));
+    return QDBusMessage::createMethodCall(
+        manner.startsWith(QLatin1Char(':')) ? manner : daemon, path, interface, name.mid(dot + 1));
 }
 
 QString resultOf(const QDBusMessage &reply)
@@ -57,16 +76,17 @@ int main(int argc, char **argv)
         prctl(PR_SET_DUMPABLE, 0);
 
     const QCoreApplication application(argc, argv);
-    QDBusMessage message = QDBusMessage::createMethodCall(QStringLiteral("com.tovra.lumd"),
-        QStringLiteral("/com/tovra/lumd"), QStringLiteral("com.tovra.lumd"),
-        QString::fromUtf8(argv[4]));
+    QDBusMessage message = messageOf(QString::fromLatin1(manner), QString::fromUtf8(argv[4]));
     for (int at = 5; at < argc; ++at)
         message << argumentOf(QString::fromUtf8(argv[at]));
     QDBusConnection bus = QDBusConnection::systemBus();
-    if (manner == "hasty") {
+    if (manner == "hasty" || manner == "signal") {
         bus.send(message);
         // Answered when the bus has passed on what came before.
         bus.interface()->isServiceRegistered(QStringLiteral("com.tovra.lumd"));
+    } else if (manner == "owner") {
+        const bool isOwner = bus.registerService(QStringLiteral("com.tovra.lumd"));
+        std::printf("%s\n", isOwner ? "true" : "false");
     } else {
         std::printf("%s\n", qPrintable(resultOf(bus.call(message))));
     }

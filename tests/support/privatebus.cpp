@@ -19,6 +19,7 @@ const char *Configuration = R"(<!DOCTYPE busconfig PUBLIC
     <allow send_destination="*" eavesdrop="true"/>
     <allow eavesdrop="true"/>
   </policy>
+  <include ignore_missing="yes">%2</include>
 </busconfig>
 )";
 
@@ -35,7 +36,9 @@ PrivateBus::PrivateBus(Kind kind, unsigned int uid)
     QFile configuration(configurationPath);
     if (!configuration.open(QIODevice::WriteOnly))
         qFatal("cannot write %s", qPrintable(configurationPath));
-    configuration.write(QString::fromLatin1(Configuration).arg(m_address).toUtf8());
+    configuration.write(QString::fromLatin1(Configuration)
+                            .arg(m_address, path + QLatin1String(".policy"))
+                            .toUtf8());
     configuration.close();
     m_daemon.start(QStringLiteral("/usr/bin/dbus-daemon"),
         {QStringLiteral("--config-file=") + configurationPath, QStringLiteral("--nofork"),

@@ -6,8 +6,9 @@
 #include <QString>
 
 /// A dbus-daemon of the test's own on a socket in the private namespace. Everybody may own
-/// and send everything. It is ready when the constructor returns and stops with the object;
-/// a failure to start ends the process with a message.
+/// and send everything, unless a file of the socket's name and ".policy", read as the last part of
+/// its configuration, says otherwise. It is ready when the constructor returns and stops with the
+/// object; a failure to start ends the process with a message.
 class PrivateBus
 {
 public:
