@@ -13,8 +13,17 @@
 using namespace std::chrono_literals;
 
 namespace {
+
 constexpr auto onDemandLifetime = 5000ms;
+constexpr auto firstRetry = 1000ms;
+constexpr auto laterRetries = 2000ms;
+
+bool isRuntimeActive()
+{
+    return ServiceController::instance()->serviceState() == QLatin1String("active");
 }
+
+} // namespace
 
 void AlienBinderConnection::WatchedRemote::release()
 {
@@ -32,6 +41,7 @@ AlienBinderConnection::AlienBinderConnection(
     connect(ServiceController::instance(), &ServiceController::serviceStateChanged, this,
         &AlienBinderConnection::onServiceStateChanged);
     connect(&m_timer, &QTimer::timeout, this, &AlienBinderConnection::onTimeout);
+    connect(&m_retryTimer, &QTimer::timeout, this, &AlienBinderConnection::onRetry);
     onServiceStateChanged();
 }
 
@@ -39,9 +49,6 @@ AlienBinderConnection::~AlienBinderConnection()
 {
     qCDebug(binderLog) << "Destroying" << m_serviceName << "connection";
     disconnectFromService(Manager::Release);
-    m_replacedClients.clear();
-    for (WatchedRemote &remote : m_replacedRemotes)
-        remote.release();
 }
 
 GBinderClient *AlienBinderConnection::client()
@@ -76,17 +83,23 @@ AlienBinderCallback *AlienBinderConnection::callback(
 
 void AlienBinderConnection::onServiceStateChanged()
 {
-    const QString state = ServiceController::instance()->serviceState();
-    if (state == QLatin1String("active"))
+    if (isRuntimeActive())
         start();
-    else if (state == QLatin1String("deactivating"))
+    else if (ServiceController::instance()->serviceState() == QLatin1String("deactivating"))
         disconnectFromService(Manager::Release);
+    retryWhileMissing();
 }
 
 void AlienBinderConnection::onTimeout()
 {
     qCDebug(binderLog) << "Timing out" << m_serviceName;
     disconnectFromService(Manager::Keep);
+}
+
+void AlienBinderConnection::onRetry()
+{
+    m_retryTimer.setInterval(laterRetries);
+    connectToService();
 }
 
 void AlienBinderConnection::onRegistration(
@@ -104,6 +117,7 @@ void AlienBinderConnection::onDeath(GBinderRemoteObject *remote, void *connectio
     qCWarning(binderLog) << self->m_serviceName << "died! Trying to reconnect.";
     self->disconnectFromService(Manager::Keep);
     self->start();
+    self->retryWhileMissing();
 }
 
 void AlienBinderConnection::start()
@@ -145,25 +159,47 @@ void AlienBinderConnection::connectToService()
     if (!m_client) {
         qCDebug(binderLog) << "Could not create client for" << m_serviceName;
         disconnectFromService(Manager::Keep);
+        retryWhileMissing();
         return;
     }
 
     removeRegistrationHandler();
+    m_retryTimer.stop();
     if (!m_persistent)
         m_timer.start();
     Q_EMIT connectionChanged(true);
+}
+
+// Android's service manager keeps the names of dead services, so that libgbinder, which
+// compares the names, does not announce a service that comes back.
+void AlienBinderConnection::retryWhileMissing()
+{
+    if (!m_persistent || !m_serviceManager || m_client || !isRuntimeActive())
+        m_retryTimer.stop();
+    else if (!m_retryTimer.isActive())
+        m_retryTimer.start(firstRetry);
 }
 
 void AlienBinderConnection::disconnectFromService(Manager manager)
 {
     m_timer.stop();
     m_client.reset();
+    if (manager == Manager::Release)
+        m_replacedClients.clear();
     Q_EMIT connectionChanged(false);
     if (m_remote.object)
         m_remote.release();
+    if (manager == Manager::Release)
+        releaseReplacedRemotes();
     removeRegistrationHandler();
     if (manager == Manager::Release)
         m_serviceManager.reset();
+}
+
+void AlienBinderConnection::releaseReplacedRemotes()
+{
+    for (WatchedRemote &remote : std::exchange(m_replacedRemotes, {}))
+        remote.release();
 }
 
 void AlienBinderConnection::removeRegistrationHandler()

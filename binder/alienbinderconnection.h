@@ -15,7 +15,8 @@ class AlienBinderTransaction;
 /// The link to one named service of the Android runtime. It follows the runtime's state and
 /// comes in two modes:
 ///  - persistent: connects as soon as the runtime is active and the service is registered,
-///    and again when the service has died;
+///    and again when the service has died. While the runtime is active and there is no link it
+///    tries once more after 1 s and then every 2 s;
 ///  - on demand: connects when a client is asked for, and drops the link 5000 ms after that
 ///    connect, used or not.
 /// Lives on the main thread, like the gbinder callbacks that drive it.
@@ -56,6 +57,7 @@ protected:
 private Q_SLOTS:
     void onServiceStateChanged();
     void onTimeout();
+    void onRetry();
 
 private:
     struct WatchedRemote
@@ -73,7 +75,9 @@ private:
 
     void start();
     void connectToService();
+    void retryWhileMissing();
     void disconnectFromService(Manager manager);
+    void releaseReplacedRemotes();
     void removeRegistrationHandler();
 
     WatchedRemote m_remote;
@@ -82,11 +86,13 @@ private:
     const char *const m_interface;
     const bool m_persistent;
     QTimer m_timer;
+    QTimer m_retryTimer;
     GBinder::ServiceManager m_serviceManager;
     GBinder::Client m_client;
 
     // A runtime that reports "active" while the link is up makes the connection connect once
-    // more. What that replaces stays referenced, and its death is still heard.
+    // more. What that replaces stays referenced, and its death is still heard, until the
+    // service manager goes.
     std::vector<WatchedRemote> m_replacedRemotes;
     std::vector<GBinder::Client> m_replacedClients;
 };

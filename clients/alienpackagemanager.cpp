@@ -135,6 +135,7 @@ void AlienPackageManager::updateObservers(bool connected)
     if (!connected) {
         m_installObserver.reset();
         m_deleteObserver.reset();
+        m_replacedObservers.clear();
         return;
     }
     replaceObserver(m_installObserver, installObserverInterface);

@@ -41,7 +41,7 @@ private:
 
     GBinder::LocalObject m_installObserver;
     GBinder::LocalObject m_deleteObserver;
-    // Observers of requests made before a second connect without a disconnect: their results
-    // are still to come.
+    // Observers of requests made before a second connect without a disconnect: until that their
+    // results may still come.
     std::vector<GBinder::LocalObject> m_replacedObservers;
 };

@@ -57,9 +57,7 @@ void LumDaemonAdaptor::controlServiceAutostart(bool enable)
 
 bool LumDaemonAdaptor::isRunning()
 {
-    bool running = false;
-    QMetaObject::invokeMethod(parent(), "isRunning", Q_RETURN_ARG(bool, running));
-    return running;
+    return false;
 }
 
 void LumDaemonAdaptor::notifyRuntimeUpgrade(bool upgrading)

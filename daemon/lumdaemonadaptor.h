@@ -7,8 +7,8 @@
 #include <QVariantMap>
 
 /// The daemon's face on the system bus. Each slot calls the slot of the same name of its
-/// parent and hands back the result; where the parent has no such slot, as for isRunning(),
-/// the reply holds the type's default. The parent's signals are relayed.
+/// parent and hands back the result. The parent has no isRunning(): its reply is always false
+/// and means nothing. The parent's signals are relayed.
 class LumDaemonAdaptor : public QDBusAbstractAdaptor
 {
     Q_OBJECT

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "config/apkconfig.h"
+#include "daemon/logging.h"
 #include "daemon/lumdaemon.h"
 #include "daemon/seat.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QLocale>
 #include <QTranslator>
@@ -14,13 +16,19 @@
 
 namespace {
 
-enum ExitCode { NotRoot = 2, NoSeatMonitor = 3 };
+enum ExitCode { NoGlib = 1, NotRoot = 2, NoSeatMonitor = 3 };
 
 constexpr char translations[] = "/usr/share/translations";
 
 QString userBusAddress(uid_t uid)
 {
     return QStringLiteral("unix:path=/run/user/%1/dbus/user_bus_socket").arg(uid);
+}
+
+// gbinder tells of everything on glib's main context.
+bool servesGlib()
+{
+    return QAbstractEventDispatcher::instance()->inherits("QEventDispatcherGlib");
 }
 
 void installEngineeringEnglish(QTranslator &translator)
@@ -59,6 +67,10 @@ int main(int argc, char *argv[])
     setenv("DBUS_SESSION_BUS_ADDRESS", busAddressBytes.constData(), 1);
 
     QCoreApplication application(argc, argv);
+    if (!servesGlib()) {
+        qCCritical(daemonLog) << "The event loop does not serve glib, exiting.";
+        return NoGlib;
+    }
 
     // The translator installed last is asked first: the user's language wins.
     QTranslator engineeringEnglish;

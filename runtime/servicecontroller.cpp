@@ -3,10 +3,10 @@
 
 #include "runtime/logging.h"
 
-#include <QDBusAbstractInterface>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
+#include <QDBusPendingCall>
 #include <QDBusReply>
 
 namespace {
@@ -25,17 +25,15 @@ constexpr char activeState[] = "ActiveState";
 constexpr char subState[] = "SubState";
 constexpr char unitFileState[] = "UnitFileState";
 
-// A QDBusInterface would fetch and parse the long introspection text of systemd's manager at each
-// start, which nothing here needs.
-class SystemdManager final : public QDBusAbstractInterface
+// By plain messages: a QDBusInterface would first ask the bus for the owner of systemd's name and
+// then systemd for its long introspection text.
+QDBusPendingCall callManager(const QString &method, const QVariantList &arguments)
 {
-public:
-    explicit SystemdManager(QObject *parent)
-        : QDBusAbstractInterface(QLatin1String(systemdService), QLatin1String(managerPath),
-            managerInterface, QDBusConnection::systemBus(), parent)
-    {
-    }
-};
+    QDBusMessage message = QDBusMessage::createMethodCall(QLatin1String(systemdService),
+        QLatin1String(managerPath), QLatin1String(managerInterface), method);
+    message.setArguments(arguments);
+    return QDBusConnection::systemBus().asyncCall(message);
+}
 
 bool isEnabled(const QVariantMap &properties)
 {
@@ -66,13 +64,14 @@ ServiceController *ServiceController::instance()
     return controller;
 }
 
-ServiceController::ServiceController() : m_manager(new SystemdManager(this))
+ServiceController::ServiceController()
 {
-    // Without a subscriber systemd emits no signals about its units.
-    m_manager->call(QStringLiteral("Subscribe"));
+    // Without a subscriber systemd emits no signals about its units. It deals with this before it
+    // answers the next question, so that nobody need wait here.
+    callManager(QStringLiteral("Subscribe"), {});
 
     const QDBusReply<QDBusObjectPath> unit =
-        m_manager->call(QStringLiteral("LoadUnit"), QString(QLatin1String(unitName)));
+        callManager(QStringLiteral("LoadUnit"), {QString(QLatin1String(unitName))});
     if (!unit.isValid()) {
         qCCritical(serviceLog) << "Could not find Alien Dalvik service:" << unit.error().message();
         m_serviceState = QStringLiteral("invalid");
@@ -97,8 +96,8 @@ void ServiceController::controlService(bool start)
     const QLatin1String underWay(start ? "activating" : "deactivating");
     if (m_serviceState == reached || m_serviceState == underWay)
         return;
-    m_manager->asyncCall(start ? QStringLiteral("StartUnit") : QStringLiteral("StopUnit"),
-        QLatin1String(unitName), QLatin1String(replaceMode));
+    callManager(start ? QStringLiteral("StartUnit") : QStringLiteral("StopUnit"),
+        {QString(QLatin1String(unitName)), QString(QLatin1String(replaceMode))});
 }
 
 void ServiceController::controlAutostart(bool enable)
@@ -107,9 +106,9 @@ void ServiceController::controlAutostart(bool enable)
     constexpr bool runtimeOnly = false;
     constexpr bool force = true;
     if (enable)
-        m_manager->asyncCall(QStringLiteral("EnableUnitFiles"), units, runtimeOnly, force);
+        callManager(QStringLiteral("EnableUnitFiles"), {units, runtimeOnly, force});
     else
-        m_manager->asyncCall(QStringLiteral("DisableUnitFiles"), units, runtimeOnly);
+        callManager(QStringLiteral("DisableUnitFiles"), {units, runtimeOnly});
 }
 
 void ServiceController::onPropertiesChanged(

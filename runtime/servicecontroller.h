@@ -4,8 +4,6 @@
 #include <QObject>
 #include <QVariantMap>
 
-class QDBusAbstractInterface;
-
 /// The daemon's one view of the Android runtime's systemd unit: a mirror of its state, and
 /// the four requests that change it. Lives on the main thread, until the process ends.
 class ServiceController : public QObject
@@ -43,7 +41,6 @@ private Q_SLOTS:
 private:
     ServiceController();
 
-    QDBusAbstractInterface *m_manager;
     QString m_unitPath;
     QString m_serviceState;
     bool m_serviceEnabled = false;

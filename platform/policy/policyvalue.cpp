@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "policyvalue.h"
 
-#include <QSettings>
+#include "inifile.h"
 
 QVariant Quillfin::PolicyValue::keyValue(int key)
 {
-    const QSettings settings(
-        QStringLiteral("/etc/lumd/platform/policy.conf"), QSettings::IniFormat);
-    const QVariant value = settings.value(QStringLiteral("policy/%1").arg(key));
+    const QVariant value =
+        iniValue("/etc/lumd/platform/policy.conf", QStringLiteral("policy/%1").arg(key));
     if (!value.isValid())
         return {};
     // Not QVariant's own reading, for which "no" is true: this allows and forbids.

@@ -10,8 +10,8 @@ class PolicyValue
 {
 public:
     /// The setting numbered @p key, from the group "policy" of /etc/lumd/platform/policy.conf:
-    /// true for "true" and "1", false for anything else, invalid when it is not set. The file is
-    /// read at each call that finds its size or time changed.
+    /// true for "true" and "1", false for anything else, invalid when it is not set or when that is
+    /// no regular file. The file is read at each call.
     static QVariant keyValue(int key);
 };
 

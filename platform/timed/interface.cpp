@@ -5,8 +5,6 @@
 #include "timedate.h"
 
 #include <QDBusConnection>
-#include <QDBusReply>
-#include <QDBusVariant>
 
 using Maemo::Timed::WallClock::Info;
 
@@ -28,17 +26,13 @@ bool Maemo::Timed::Interface::settings_changed_disconnect(QObject *object, const
 
 QDBusMessage Maemo::Timed::Interface::call(const QString &method)
 {
-    QDBusMessage get = QDBusMessage::createMethodCall(QLatin1String(Timedate::service),
-        QLatin1String(Timedate::path), QLatin1String(Timedate::propertiesInterface),
-        QStringLiteral("Get"));
-    get << QString(QLatin1String(Timedate::service))
-        << QString(QLatin1String(Timedate::timezoneProperty));
+    const QDBusMessage question = Timedate::zoneQuestion();
     if (method != QLatin1String("get_wall_clock_info"))
-        return get.createErrorReply(QDBusError::UnknownMethod, method);
+        return question.createErrorReply(QDBusError::UnknownMethod, method);
 
-    const QDBusMessage answer = QDBusConnection::systemBus().call(get);
-    const QDBusReply<QDBusVariant> zone = answer;
-    if (!zone.isValid())
+    const QDBusMessage answer = QDBusConnection::systemBus().call(question);
+    const QString zone = Timedate::zoneOf(answer);
+    if (zone.isNull())
         return answer;
-    return get.createReply(QVariant::fromValue(Info(zone.value().variant().toString())));
+    return question.createReply(QVariant::fromValue(Info(zone)));
 }

@@ -4,6 +4,7 @@
 #include "timedate.h"
 
 #include <QDBusConnection>
+#include <QDBusPendingCallWatcher>
 
 SettingsRelay::SettingsRelay(QObject *listener) : QObject(listener) { }
 
@@ -18,8 +19,24 @@ bool SettingsRelay::listen()
 void SettingsRelay::onPropertiesChanged(
     const QString &interface, const QVariantMap &changed, const QStringList &invalidated)
 {
-    Q_UNUSED(invalidated)
-    const auto zone = changed.constFind(QLatin1String(Timedate::timezoneProperty));
-    if (interface == QLatin1String(Timedate::service) && zone != changed.constEnd())
+    if (interface != QLatin1String(Timedate::service))
+        return;
+    const QString property = QLatin1String(Timedate::timezoneProperty);
+    const auto zone = changed.constFind(property);
+    if (zone != changed.constEnd())
         Q_EMIT settingsChanged(Maemo::Timed::WallClock::Info(zone->toString()), false);
+    else if (invalidated.contains(property))
+        readZone();
+}
+
+void SettingsRelay::readZone()
+{
+    auto *const watcher = new QDBusPendingCallWatcher(
+        QDBusConnection::systemBus().asyncCall(Timedate::zoneQuestion()), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+        watcher->deleteLater();
+        const QString zone = Timedate::zoneOf(watcher->reply());
+        if (!zone.isNull())
+            Q_EMIT settingsChanged(Maemo::Timed::WallClock::Info(zone), false);
+    });
 }

@@ -25,4 +25,8 @@ Q_SIGNALS:
 private Q_SLOTS:
     void onPropertiesChanged(
         const QString &interface, const QVariantMap &changed, const QStringList &invalidated);
+
+private:
+    /// Asks for a zone that was announced without its value, and passes it on once answered.
+    void readZone();
 };

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "vsurepomanager.h"
 
-#include <QSettings>
+#include "inifile.h"
 
 QStringList VsuRepoManager::repos(bool rnd, int filter) const
 {
     Q_UNUSED(filter)
-    const QSettings settings(QStringLiteral("/etc/lumd/platform/vsu.conf"), QSettings::IniFormat);
-    return settings.value(rnd ? QStringLiteral("vsu/rndRepos") : QStringLiteral("vsu/repos"))
-        .toStringList();
+    const QString key = rnd ? QStringLiteral("vsu/rndRepos") : QStringLiteral("vsu/repos");
+    return iniValue("/etc/lumd/platform/vsu.conf", key).toStringList();
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "runtime/servicecontroller.h"
 #include "tests/binder/connection.h"
+#include "tests/binder/connectiontest.h"
 #include "tests/binder/linkstory.h"
-#include "tests/binder/runtimetest.h"
 #include "tests/support/fakegbinder/fakebinder.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/testmain.h"
@@ -21,7 +21,7 @@ const QString reloading = QStringLiteral("reloading");
 
 } // namespace
 
-class TestAlienBinderConnection : public RuntimeTest
+class TestAlienBinderConnection : public ConnectionTest
 {
     Q_OBJECT
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "binder/alienbindertransaction.h"
 #include "tests/binder/connection.h"
+#include "tests/binder/connectiontest.h"
 #include "tests/binder/linkstory.h"
-#include "tests/binder/runtimetest.h"
 #include "tests/support/fakegbinder/fakebinder.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/testmain.h"
@@ -20,7 +20,7 @@ const QString deactivating = QStringLiteral("deactivating");
 
 } // namespace
 
-class TestAlienBinderConnectionEnd : public RuntimeTest
+class TestAlienBinderConnectionEnd : public ConnectionTest
 {
     Q_OBJECT
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "tests/binder/connection.h"
+#include "tests/binder/connectiontest.h"
 #include "tests/binder/linkstory.h"
-#include "tests/binder/runtimetest.h"
 #include "tests/support/fakegbinder/fakebinder.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/testmain.h"
@@ -20,13 +20,14 @@ const QString reloading = QStringLiteral("reloading");
 
 } // namespace
 
-class TestAlienBinderConnectionRenewal : public RuntimeTest
+class TestAlienBinderConnectionRenewal : public ConnectionTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void activeWhileConnectedConnectsOnceMore();
-    void replacedLinkIsReleasedAtTheEnd();
+    void replacedLinkIsReleasedBeforeTheServiceManager_data();
+    void replacedLinkIsReleasedBeforeTheServiceManager();
     void replacedServiceIsStillHeardDying();
     void oneServiceWatchedTwiceDiesOnce();
     void activeWhileConnectedOnDemandDoesNothing();
@@ -66,27 +67,40 @@ void TestAlienBinderConnectionRenewal::activeWhileConnectedConnectsOnceMore()
             "client alien", "death_handler alien 2", "death_handler alien 4"}));
 }
 
-void TestAlienBinderConnectionRenewal::replacedLinkIsReleasedAtTheEnd()
+void TestAlienBinderConnectionRenewal::replacedLinkIsReleasedBeforeTheServiceManager_data()
 {
+    QTest::addColumn<bool>("isDestroyed");
+    QTest::newRow("the runtime goes down") << false;
+    QTest::newRow("the connection goes") << true;
+}
+
+void TestAlienBinderConnectionRenewal::replacedLinkIsReleasedBeforeTheServiceManager()
+{
+    QFETCH(bool, isDestroyed);
     FakeBinder::registerService(alien);
-    m_unit->startOutAs(active);
+    QVERIFY(m_unit->become(active));
     auto connection = std::make_unique<Connection>(persistent);
     QVERIFY(m_unit->become(reloading));
     QVERIFY(m_unit->become(active));
+    const QStringList handlers = FakeBinder::leaks().filter(QStringLiteral("death_handler"));
+    QCOMPARE(handlers.size(), 2);
+    const QString removal = QStringLiteral("remote_object_remove_handler alien ");
+    const auto removalOf = [&removal](const QString &handler) {
+        return removal + handler.section(QLatin1Char(' '), -1);
+    };
     LinkStory story(*connection);
 
-    QVERIFY(m_unit->become(deactivating));
-    QCOMPARE(story.take(),
-        texts({"client_unref alien", "connectionChanged false",
-            "remote_object_remove_handler alien 4", "remote_object_unref alien",
-            "servicemanager_unref /dev/puddlejumper"}));
-    QCOMPARE(FakeBinder::leaks(),
-        texts({"remote_object alien", "client alien", "death_handler alien 2"}));
+    if (isDestroyed)
+        connection.reset();
+    else
+        QVERIFY(m_unit->become(deactivating));
 
-    connection.reset();
+    const QString unref = QStringLiteral("remote_object_unref alien");
     QCOMPARE(story.take(),
-        texts({"connectionChanged false", "client_unref alien",
-            "remote_object_remove_handler alien 2", "remote_object_unref alien"}));
+        (texts({"client_unref alien", "client_unref alien", "connectionChanged false"})
+            + QStringList{removalOf(handlers.last()), unref, removalOf(handlers.first()), unref,
+                QStringLiteral("servicemanager_unref /dev/puddlejumper")}));
+    QCOMPARE(FakeBinder::leaks(), QStringList());
 }
 
 void TestAlienBinderConnectionRenewal::replacedServiceIsStillHeardDying()

@@ -58,6 +58,7 @@ private Q_SLOTS:
     void linkUpDoesNotBringTheClientBack();
     void nullClientLeavesEmptyParcels();
 
+    void emptyParcelsBelongToTheTransaction();
     void deletedBeforeExecuteSendsNothing();
     void releasesTheRequestThenTheReply();
     void goesWithItsParent();
@@ -336,6 +337,14 @@ void TestAlienBinderTransaction::nullClientLeavesEmptyParcels()
         QCOMPARE(transaction.outputParcel()->readInt32(), -1);
     }
     QCOMPARE(log.lines(), texts({inputRefused, outputRefused, destroyedLine}));
+}
+
+void TestAlienBinderTransaction::emptyParcelsBelongToTheTransaction()
+{
+    LogCapture refused;
+    AlienBinderTransaction transaction(nullptr, code, withReply, nullptr);
+    QCOMPARE(transaction.inputParcel(), transaction.inputParcel());
+    QCOMPARE(transaction.outputParcel(), transaction.outputParcel());
 }
 
 void TestAlienBinderTransaction::deletedBeforeExecuteSendsNothing()

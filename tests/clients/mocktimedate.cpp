@@ -46,9 +46,19 @@ void MockTimedate::setZone(const QString &zone)
     announce(service, {{timezoneProperty, zone}});
 }
 
-void MockTimedate::announce(const QString &interface, const QVariantMap &changed)
+void MockTimedate::invalidateZone(const QString &zone)
 {
-    sendChange(interface, changed);
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_zone = zone;
+    }
+    announce(service, {}, {timezoneProperty});
+}
+
+void MockTimedate::announce(
+    const QString &interface, const QVariantMap &changed, const QStringList &invalidated)
+{
+    sendChange(interface, changed, invalidated);
     // An answer of the bus to the same connection tells that it has dealt with the signal.
     m_bus.interface()->isServiceRegistered(service);
 }
@@ -95,10 +105,11 @@ bool MockTimedate::handleMessage(const QDBusMessage &message, const QDBusConnect
     return true;
 }
 
-void MockTimedate::sendChange(const QString &interface, const QVariantMap &changed)
+void MockTimedate::sendChange(
+    const QString &interface, const QVariantMap &changed, const QStringList &invalidated)
 {
     QDBusMessage signal =
         QDBusMessage::createSignal(path, propertiesInterface, QStringLiteral("PropertiesChanged"));
-    signal.setArguments({interface, changed, QStringList()});
+    signal.setArguments({interface, changed, invalidated});
     m_bus.send(signal);
 }

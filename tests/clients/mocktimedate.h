@@ -22,7 +22,10 @@ public:
     /// Sets the zone and announces it as systemd does.
     void setZone(const QString &zone);
     /// Announces a change of any property. Returns when the bus has passed it on.
-    void announce(const QString &interface, const QVariantMap &changed);
+    void announce(
+        const QString &interface, const QVariantMap &changed, const QStringList &invalidated = {});
+    /// Sets the zone and announces that it changed, without its value.
+    void invalidateZone(const QString &zone);
     /// The next read is answered with the zone of now, behind the announcement of this one.
     void changeDuringNextRead(const QString &zone);
     /// Every read is answered with an error.
@@ -34,7 +37,8 @@ public:
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
 
 private:
-    void sendChange(const QString &interface, const QVariantMap &changed);
+    void sendChange(
+        const QString &interface, const QVariantMap &changed, const QStringList &invalidated = {});
 
     mutable std::mutex m_mutex;
     QDBusConnection m_bus;

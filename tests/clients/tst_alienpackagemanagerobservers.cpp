@@ -49,6 +49,8 @@ private Q_SLOTS:
     void areMissingUntilTheNextLinkOfARuntimeFoundActive();
     void thatCannotBeMadeAreNull();
     void ofALinkMadeTwiceStillReport();
+    void ofALinkMadeTwiceGoAtItsLoss_data();
+    void ofALinkMadeTwiceGoAtItsLoss();
     void goWithTheManager();
     void ofOneLossAreDroppedOnce();
 };
@@ -183,6 +185,54 @@ void TestAlienPackageManagerObservers::ofALinkMadeTwiceStillReport()
     manager.reset();
     QVERIFY(!reportInstall(first));
     QVERIFY(!reportInstall(second));
+}
+
+void TestAlienPackageManagerObservers::ofALinkMadeTwiceGoAtItsLoss_data()
+{
+    QTest::addColumn<bool>("dies");
+    QTest::addColumn<QStringList>("end");
+    QTest::newRow("the runtime goes down")
+        << false
+        << texts({"remote_object_remove_handler package 4", "remote_object_unref package",
+               "remote_object_remove_handler package 2", "remote_object_unref package",
+               "servicemanager_unref /dev/puddlejumper"});
+    QTest::newRow("the service dies")
+        << true
+        << texts({"remote_object_remove_handler package 8", "remote_object_unref package",
+               "servicemanager_add_registration_handler package 9",
+               "servicemanager_get_service_sync package"});
+}
+
+void TestAlienPackageManagerObservers::ofALinkMadeTwiceGoAtItsLoss()
+{
+    QFETCH(bool, dies);
+    QFETCH(QStringList, end);
+    AlienPackageManager manager(nullptr);
+    FakeBinder::registerService(package, {}, FakeBinder::Notice::None);
+    QVERIFY(m_unit->become(active));
+    manager.installPackage(QStringLiteral("/a.apk"), reported);
+    const quint32 first = handedOver();
+    QVERIFY(m_unit->become(QStringLiteral("reloading")));
+    QVERIFY(m_unit->become(active));
+    manager.installPackage(QStringLiteral("/a.apk"), reported);
+    FakeBinder::clearLedger();
+
+    if (dies)
+        FakeBinder::killService(package, FakeBinder::Notice::Synchronous);
+    else
+        QVERIFY(m_unit->become(deactivating));
+
+    QStringList lines = texts({"client_unref package"});
+    if (!dies)
+        lines += lines; // the replaced one goes with the service manager
+    lines += texts({"local_object_drop android.content.pm.IPackageInstallObserver2",
+        "local_object_drop android.content.pm.IPackageDeleteObserver",
+        "local_object_drop android.content.pm.IPackageInstallObserver2",
+        "local_object_drop android.content.pm.IPackageDeleteObserver"});
+    QCOMPARE(FakeBinder::ledger(), lines + end);
+    QVERIFY(!reportInstall(first));
+    QVERIFY(!reportInstall(handedOver()));
+    QVERIFY(m_unit->become(deactivating));
 }
 
 void TestAlienPackageManagerObservers::goWithTheManager()

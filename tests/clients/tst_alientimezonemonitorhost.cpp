@@ -7,6 +7,7 @@
 #include "tests/support/logcapture.h"
 #include "tests/support/testmain.h"
 
+#include <QFile>
 #include <QtTest>
 
 #include <memory>
@@ -36,6 +37,8 @@ private Q_SLOTS:
     void unknownZoneIsPushedAsAnEmptyString_data();
     void unknownZoneIsPushedAsAnEmptyString();
     void zoneOfAHostThatAnswersLaterIsPushed();
+    void zoneToldWithoutItsValueIsPushed();
+    void hostThatDoesNotAnswerGivesTheZoneOfItsLink();
     void listensToANewOwnerOfTheName();
     void zoneGoesOutAsLatin1();
 };
@@ -110,6 +113,29 @@ void TestAlienTimezoneMonitorHost::zoneOfAHostThatAnswersLaterIsPushed()
     host.setZone(lima);
     receiveSignals();
     QCOMPARE(takeCalls(), pushes({lima}));
+}
+
+void TestAlienTimezoneMonitorHost::zoneToldWithoutItsValueIsPushed()
+{
+    MockTimedate host(oslo);
+    AlienTimezoneMonitor monitor;
+    FakeBinder::registerService(alarmService, {}, Notice::None);
+    QVERIFY(m_unit->become(active));
+    takeCalls();
+    receiveSignals();
+    host.invalidateZone(lima);
+    QTRY_COMPARE(FakeBinder::requests().size(), 1);
+    QCOMPARE(takeCalls(), pushes({lima}));
+}
+
+void TestAlienTimezoneMonitorHost::hostThatDoesNotAnswerGivesTheZoneOfItsLink()
+{
+    QVERIFY(QFile::link(
+        QStringLiteral("/usr/share/zoneinfo/Europe/Oslo"), QStringLiteral("/etc/localtime")));
+    AlienTimezoneMonitor monitor;
+    FakeBinder::registerService(alarmService, {}, Notice::None);
+    QVERIFY(m_unit->become(active));
+    QCOMPARE(takeCalls(), pushes({oslo}));
 }
 
 void TestAlienTimezoneMonitorHost::listensToANewOwnerOfTheName()

@@ -60,7 +60,6 @@ public Q_SLOTS:
     }
     void controlService(bool start) { note("controlService", {text(start)}); }
     void controlServiceAutostart(bool enable) { note("controlServiceAutostart", {text(enable)}); }
-    bool isRunning() { return note("isRunning"); }
     void notifyRuntimeUpgrade(bool upgrading) { note("notifyRuntimeUpgrade", {text(upgrading)}); }
     bool getAppStartOnBootup(const QString &packageName)
     {
@@ -116,6 +115,7 @@ private Q_SLOTS:
     void slotCallsItsNamesakeAndHandsBackTheResult();
     void parentWithoutTheSlotGivesTheDefault_data();
     void parentWithoutTheSlotGivesTheDefault();
+    void isRunningIsFalseAndAsksNobody();
     void signalIsRelayed_data();
     void signalIsRelayed();
     void interfaceTextIsTheOneOnRecord();
@@ -161,8 +161,6 @@ void TestLumDaemonAdaptor::slotCallsItsNamesakeAndHandsBackTheResult_data()
     row(
         "controlServiceAutostart",
         [](Adaptor &a) { return a.controlServiceAutostart(true), QString(); }, "true");
-    row(
-        "isRunning", [](Adaptor &a) { return text(a.isRunning()); }, "", yes);
     row(
         "notifyRuntimeUpgrade", [](Adaptor &a) { return a.notifyRuntimeUpgrade(true), QString(); },
         "true");
@@ -231,7 +229,6 @@ void TestLumDaemonAdaptor::parentWithoutTheSlotGivesTheDefault_data()
     QTest::newRow("getAndroidAppDataUsage")
         << Call([](Adaptor &a) { return QString::number(a.getAndroidAppDataUsage()); })
         << QStringLiteral("0");
-    QTest::newRow("isRunning") << Call([](Adaptor &a) { return text(a.isRunning()); }) << no;
     QTest::newRow("getAppStartOnBootup")
         << Call([=](Adaptor &a) { return text(a.getAppStartOnBootup(name)); }) << no;
     QTest::newRow("getAppSize") << Call([=](Adaptor &a) { return text(a.getAppSize(name)); })
@@ -245,6 +242,15 @@ void TestLumDaemonAdaptor::parentWithoutTheSlotGivesTheDefault()
     QObject parent;
     LumDaemonAdaptor adaptor(&parent);
     QTEST(call(adaptor), "result");
+}
+
+void TestLumDaemonAdaptor::isRunningIsFalseAndAsksNobody()
+{
+    const LogCapture log;
+    QObject parent;
+    LumDaemonAdaptor adaptor(&parent);
+    QVERIFY(!adaptor.isRunning());
+    QCOMPARE(log.lines(), QStringList());
 }
 
 void TestLumDaemonAdaptor::signalIsRelayed_data()

@@ -84,6 +84,9 @@ private Q_SLOTS:
     void secondInstanceEndsAndTheFirstStays();
     void eachTranslationIsOpenedOnce_data();
     void eachTranslationIsOpenedOnce();
+    void translationUnderAShorterNameIsOpened_data();
+    void translationUnderAShorterNameIsOpened();
+    void loopWithoutGlibEndsTheProcess();
     void signalEndsTheRunningDaemon();
     void endOfTheEventLoopEndsTheProcess();
     void quietWithoutLoggingRules();
@@ -274,6 +277,48 @@ void TestStartup::eachTranslationIsOpenedOnce()
     QVERIFY(daemon.waitForExit());
     QCOMPARE(daemon.exitCode(), 1);
     QTEST(watch.opened(), "opened");
+}
+
+void TestStartup::translationUnderAShorterNameIsOpened_data()
+{
+    QTest::addColumn<QString>("present");
+    // What a QTranslator without delimiters and suffix of its own looks for, from the longest.
+    for (const char *name : {"lumd_eng_en.qm", "lumd_eng_en", "lumd_eng.qm", "lumd_eng",
+             "lumd-pt_BR.qm", "lumd-pt_BR", "lumd-pt.qm", "lumd-pt"})
+        QTest::newRow(name) << QString::fromLatin1(name);
+}
+
+void TestStartup::translationUnderAShorterNameIsOpened()
+{
+    QFETCH(QString, present);
+    const QString folder = QStringLiteral("/usr/share/translations");
+    makeFile(folder + QLatin1Char('/') + present, QByteArray(64, 'x'));
+    TestNamespace::setActiveSession(1000);
+
+    const OpenWatch watch(folder.toLocal8Bit());
+    DaemonProcess daemon;
+    daemon.setEnvironment(QStringLiteral("LC_ALL"), QStringLiteral("pt_BR.UTF-8"));
+    daemon.start();
+    QVERIFY(daemon.waitForExit());
+    QCOMPARE(watch.opened(), QStringList{present});
+    QVERIFY(QFile::remove(folder + QLatin1Char('/') + present));
+}
+
+void TestStartup::loopWithoutGlibEndsTheProcess()
+{
+    DaemonFixture world;
+    const QString stale = QStringLiteral("/home/.android/data/aas-staging/app/incoming/a.apk");
+    makeFile(stale);
+    world.daemon->setEnvironment(QStringLiteral("QT_NO_GLIB"), QStringLiteral("1"));
+    world.daemon->start();
+    QVERIFY(world.daemon->waitForExit());
+    QCOMPARE(world.daemon->exitCode(), 1);
+    QCOMPARE(world.daemon->lines(),
+        QStringList{QStringLiteral("critical com.tovra.lumd.daemon The event loop does not serve "
+                                   "glib, exiting.")});
+    // It has asked for nothing and touched nothing.
+    QCOMPARE(world.systemd.callTexts(), QStringList());
+    QVERIFY(QFile::exists(stale));
 }
 
 void TestStartup::signalEndsTheRunningDaemon()

@@ -10,13 +10,11 @@
 
 namespace {
 
-/// Each text has a time of its own: QSettings knows a new file by its size and time alone, and
-/// the clock may not have gone on since the last one.
+/// All texts have one time, as those of a package with clamped times.
 void configure(const QByteArray &text)
 {
     QFile file(QStringLiteral("/etc/lumd/platform/vsu.conf"));
-    const uint length = uint(text.size());
-    const auto time = QDateTime::fromSecsSinceEpoch(qChecksum(text.constData(), length));
+    const auto time = QDateTime::fromSecsSinceEpoch(1000000000);
     if (!QDir().mkpath(QStringLiteral("/etc/lumd/platform")) || !file.open(QIODevice::WriteOnly)
         || file.write("[vsu]\n" + text) < 0 || !file.flush()
         || !file.setFileTime(time, QFileDevice::FileModificationTime))
@@ -35,6 +33,7 @@ private Q_SLOTS:
     void deviceModeIsANumber();
     void repositoriesAreLists_data();
     void repositoriesAreLists();
+    void fileIsReadAtEachCall();
 };
 
 void TestVsu::missingFileGivesDefaults()
@@ -85,6 +84,20 @@ void TestVsu::repositoriesAreLists()
     configure(text);
     QCOMPARE(VsuRepoManager().repos(false, 0), usual);
     QCOMPARE(VsuRepoManager().repos(true, 0), rnd);
+}
+
+void TestVsu::fileIsReadAtEachCall()
+{
+    for (int i = 0; i < 3; ++i) {
+        configure("deviceMode=2\nrepos=apps\nrndRepos=rare\n");
+        QCOMPARE(Vsu().deviceMode(), 2);
+        QCOMPARE(VsuRepoManager().repos(false, 0), QStringList{QStringLiteral("apps")});
+        QCOMPARE(VsuRepoManager().repos(true, 0), QStringList{QStringLiteral("rare")});
+        configure("deviceMode=3\nrepos=toys\nrndRepos=lost\n");
+        QCOMPARE(Vsu().deviceMode(), 3);
+        QCOMPARE(VsuRepoManager().repos(false, 0), QStringList{QStringLiteral("toys")});
+        QCOMPARE(VsuRepoManager().repos(true, 0), QStringList{QStringLiteral("lost")});
+    }
 }
 
 LUM_TEST_MAIN(TestVsu)

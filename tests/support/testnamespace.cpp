@@ -91,7 +91,8 @@ void TestNamespace::enter()
         {QStringLiteral("applications"), QStringLiteral("tovra-settings"), QStringLiteral("lumd"),
             QStringLiteral("translations")});
     Mounts::makeWritable(QStringLiteral("/var/lib"), {QStringLiteral("lumd")});
-    Mounts::makeWritable(QStringLiteral("/etc"), {QStringLiteral("lumd")});
+    Mounts::makeWritable(
+        QStringLiteral("/etc"), {QStringLiteral("lumd"), QStringLiteral("localtime")});
     Mounts::makeWritable(QStringLiteral("/opt"), {QStringLiteral("alien")});
     Mounts::makeWritable(QStringLiteral("/home"), {QStringLiteral(".android")});
     Mounts::mountEmpty(QStringLiteral("/run"), QByteArrayLiteral("mode=0755"));

@@ -6,6 +6,8 @@
 #include "tests/support/privatebus.h"
 #include "tests/support/testmain.h"
 
+#include <QFile>
+
 using Maemo::Timed::WallClock::Info;
 
 namespace {
@@ -28,6 +30,9 @@ private Q_SLOTS:
     void changesOfTheZoneAreRelayed();
     void otherChangesAreNot_data();
     void otherChangesAreNot();
+    void zoneToldWithoutItsValueIsRead();
+    void zoneThatCannotBeReadIsThatOfTheLink();
+    void relayMayGoBeforeTheAnswer();
     void serviceThatComesLaterIsHeard();
     void nothingIsHeardBeforeListening();
 
@@ -93,6 +98,57 @@ void TestSettingsRelay::otherChangesAreNot()
     host.setZone(lima);
     receiveSignals();
     QCOMPARE(spy.size(), 1);
+}
+
+void TestSettingsRelay::zoneToldWithoutItsValueIsRead()
+{
+    MockTimedate host(oslo);
+    SettingsRelay relay(nullptr);
+    QVERIFY(relay.listen());
+    QSignalSpy spy(&relay, &SettingsRelay::settingsChanged);
+    receiveSignals();
+    host.announce(service, {}, {QStringLiteral("NTP")});
+    host.announce(QStringLiteral("org.freedesktop.other"), {}, {zoneProperty});
+    host.invalidateZone(lima);
+    QTRY_COMPARE(spy.size(), 1);
+    QCOMPARE(spy.first().first().value<Info>().humanReadableTz(), lima);
+    QCOMPARE(spy.first().last().toBool(), false);
+    QCOMPARE(host.reads(), 1);
+    QTRY_VERIFY(relay.children().isEmpty());
+}
+
+void TestSettingsRelay::zoneThatCannotBeReadIsThatOfTheLink()
+{
+    MockTimedate host(oslo);
+    host.failReads();
+    SettingsRelay relay(nullptr);
+    QVERIFY(relay.listen());
+    QSignalSpy spy(&relay, &SettingsRelay::settingsChanged);
+    receiveSignals();
+    host.invalidateZone(lima);
+    QTRY_COMPARE(host.reads(), 1);
+    QTRY_VERIFY(relay.children().isEmpty());
+    QCOMPARE(spy.size(), 0);
+
+    QVERIFY(QFile::link(
+        QStringLiteral("/usr/share/zoneinfo/Asia/Tokyo"), QStringLiteral("/etc/localtime")));
+    host.invalidateZone(lima);
+    QTRY_COMPARE(spy.size(), 1);
+    QCOMPARE(spy.first().first().value<Info>().humanReadableTz(), QStringLiteral("Asia/Tokyo"));
+}
+
+void TestSettingsRelay::relayMayGoBeforeTheAnswer()
+{
+    MockTimedate host(oslo);
+    {
+        SettingsRelay relay(nullptr);
+        QVERIFY(relay.listen());
+        receiveSignals();
+        host.invalidateZone(lima);
+        QTRY_VERIFY(!relay.children().isEmpty());
+    }
+    QTRY_COMPARE(host.reads(), 1);
+    receiveSignals();
 }
 
 void TestSettingsRelay::serviceThatComesLaterIsHeard()

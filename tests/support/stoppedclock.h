@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <chrono>
+
+/// While it lives, the monotonic clock of this process stands still, and with it all of Qt's
+/// timers, however long the machine takes. One at a time, of the main thread.
+///
+/// QTest::qWait() and the QTRY macros wait for the clock: use QTest::qWaitFor(). So that its
+/// deadlines still end a test that hangs, the clock goes on by itself after 20 seconds.
+class StoppedClock
+{
+public:
+    StoppedClock();
+    ~StoppedClock();
+    StoppedClock(const StoppedClock &) = delete;
+    StoppedClock &operator=(const StoppedClock &) = delete;
+
+    /// Moves the clock on. What is due then happens in the event loop.
+    void advance(std::chrono::milliseconds time);
+};
