@@ -8,7 +8,9 @@
 #include "clients/alienstoragestatsmanager.h"
 #include "clients/alientimezonemonitor.h"
 #include "clients/appsizeinfo.h"
+#include "daemon/datausage.h"
 #include "daemon/packagemod.h"
+#include "daemon/upgradenotices.h"
 #include "launcher/apkmanager.h"
 #include "launcher/desktopmanager.h"
 
@@ -17,6 +19,8 @@
 #include <QObject>
 #include <QStringList>
 #include <QVariantMap>
+
+#include <functional>
 
 class ApkConfig;
 class QDir;
@@ -55,7 +59,8 @@ public Q_SLOTS:
     /// Passes @p mod to the runtime's package manager, connected or not.
     void triggerPackageMod(const PackageMod &mod);
 
-    /// Bytes, as du counts them, whether the runtime is up or not. 0 when it cannot tell.
+    /// Bytes, as du counts them, whether the runtime is up or not. 0 when it cannot tell. The
+    /// caller on the bus is answered later; called from inside it counts for nobody, and gives 0.
     quint64 getAndroidAppDataUsage();
 
     // App management. Without the runtime these do nothing and answer with a default.
@@ -74,7 +79,8 @@ public Q_SLOTS:
     void openAppSettings(const QString &packageName);
     void viewLicenses();
 
-    /// Tells the home screen, launcher by launcher, that the runtime is being upgraded.
+    /// Tells the home screen, launcher by launcher, that the runtime is being upgraded. The
+    /// caller on the bus is answered when that is done.
     void notifyRuntimeUpgrade(bool upgrading);
 
     /// Shows the user a short message.
@@ -89,6 +95,9 @@ private Q_SLOTS:
     void onActivityManagerAvailable(bool connected);
 
 private:
+    /// Answers the call on the bus that it was made for.
+    using Reply = std::function<void(const QVariantList &results)>;
+
     void connectMembers();
     void prepareFolders();
     void claimBus();
@@ -108,6 +117,10 @@ private:
     void startServiceIfNeeded();
     bool isReadyForPackageMods();
     void processDeferredMods();
+
+    /// For the call that is being served, which is answered when the result is called. That
+    /// does nothing for a call from inside the process.
+    Reply replyLater() const;
 
     void drainDeferredLaunches();
     void queueIntent(const AlienIntent &intent);
@@ -129,4 +142,6 @@ private:
     QList<AlienIntent> m_intentQueue;
     // Keeps an intent that arrives in a nested event loop from overtaking the one being launched.
     bool m_intentQueueBusy = false;
+    DataUsage m_dataUsage;
+    UpgradeNotices m_upgradeNotices{m_desktopManager};
 };

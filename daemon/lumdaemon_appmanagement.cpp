@@ -6,9 +6,7 @@
 #include "daemon/logging.h"
 
 #include <QDBusConnection>
-#include <QDBusInterface>
-#include <QFileInfo>
-#include <QProcess>
+#include <QDBusMessage>
 
 AppSizeInfo LumDaemon::getAppSize(const QString &packageName)
 {
@@ -55,33 +53,25 @@ void LumDaemon::setAppStartOnBootup(const QString &packageName, bool autoStartAl
 
 quint64 LumDaemon::getAndroidAppDataUsage()
 {
-    constexpr int deadlineMilliseconds = 30000;
-    QProcess du;
-    du.start(QStringLiteral("/usr/bin/du"), {QStringLiteral("-sxb"), m_config->path(AppDataDir)},
-        QIODevice::ReadOnly);
-    du.waitForFinished(deadlineMilliseconds);
-    if (du.exitStatus() == QProcess::NormalExit) {
-        const QStringList parts =
-            QString::fromUtf8(du.readAllStandardOutput()).split(QLatin1Char('\t'));
-        if (parts.size() >= 2)
-            return parts.first().toULongLong();
-    }
-    qCWarning(daemonLog) << "Could not determine android app data usage";
+    const Reply reply = replyLater();
+    m_dataUsage.ask(m_config->path(AppDataDir),
+        [reply](quint64 bytes) { reply({QVariant::fromValue(bytes)}); });
     return 0;
 }
 
 void LumDaemon::notifyRuntimeUpgrade(bool upgrading)
 {
-    QDBusInterface homeScreen(QStringLiteral("org.teskmobile.glossbar"),
-        QStringLiteral("/LauncherModel"), QStringLiteral("org.teskmobile.glossbar.LauncherModel"),
-        QDBusConnection::sessionBus());
-    qCDebug(daemonLog) << "notifyRuntimeUpgrade:" << (upgrading ? "true" : "false");
-    const QStringList desktopFiles = m_desktopManager.desktopFiles();
-    for (const QString &path : desktopFiles) {
-        const QString name = QFileInfo(path).baseName();
-        if (upgrading)
-            homeScreen.call(QStringLiteral("updatingStarted"), name, QString(), QString(), path);
-        else
-            homeScreen.call(QStringLiteral("updatingFinished"), name);
-    }
+    const Reply reply = replyLater();
+    m_upgradeNotices.notify(upgrading, [reply] { reply({}); });
+}
+
+LumDaemon::Reply LumDaemon::replyLater() const
+{
+    if (!calledFromDBus())
+        return [](const QVariantList &) {};
+    setDelayedReply(true);
+    return [bus = connection(), call = message()](const QVariantList &results) {
+        if (call.isReplyRequired())
+            bus.send(call.createReply(results));
+    };
 }

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "notification.h"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
+#include "userbus/busstrings.h"
+#include "userbus/userbus.h"
+
+#include <systemd/sd-bus.h>
 
 namespace {
 
@@ -10,6 +12,24 @@ constexpr char service[] = "org.freedesktop.Notifications";
 constexpr char path[] = "/org/freedesktop/Notifications";
 // The server decides how long the notification is shown.
 constexpr qint32 defaultTimeout = -1;
+
+// Of the types that the hints of a Notification have. All that can fail is the memory, and that
+// spoils the message for good: the last result tells.
+void appendHint(sd_bus_message *message, const QString &name, const QVariant &value)
+{
+    sd_bus_message_open_container(message, SD_BUS_TYPE_DICT_ENTRY, "sv");
+    appendString(message, name);
+    if (value.userType() == QMetaType::Bool) {
+        sd_bus_message_append(message, "v", "b", value.toInt());
+    } else if (value.userType() == QMetaType::UChar) {
+        sd_bus_message_append(message, "v", "y", value.toInt());
+    } else {
+        sd_bus_message_open_container(message, SD_BUS_TYPE_VARIANT, "s");
+        appendString(message, value.toString());
+        sd_bus_message_close_container(message);
+    }
+    sd_bus_message_close_container(message);
+}
 
 } // namespace
 
@@ -56,10 +76,20 @@ void Notification::setPreviewBody(const QString &body)
 
 void Notification::publish()
 {
-    QDBusMessage message = QDBusMessage::createMethodCall(QLatin1String(service),
-        QLatin1String(path), QLatin1String(service), QStringLiteral("Notify"));
-    constexpr quint32 replaces = 0;
-    message << m_appName << replaces << (m_appIcon.isEmpty() ? m_icon : m_appIcon) << m_summary
-            << m_body << QStringList() << m_hints << defaultTimeout;
-    QDBusConnection::sessionBus().send(message);
+    const QString icon = m_appIcon.isEmpty() ? m_icon : m_appIcon;
+    const auto arguments = [appName = m_appName, icon, summary = m_summary, body = m_body,
+                               hints = m_hints](sd_bus_message *message) {
+        constexpr quint32 replaces = 0;
+        appendString(message, appName);
+        sd_bus_message_append(message, "u", replaces);
+        for (const QString &text : {icon, summary, body})
+            appendString(message, text);
+        sd_bus_message_append(message, "as", 0); // actions
+        sd_bus_message_open_container(message, SD_BUS_TYPE_ARRAY, "{sv}");
+        for (auto hint = hints.cbegin(); hint != hints.cend(); ++hint)
+            appendHint(message, hint.key(), hint.value());
+        sd_bus_message_close_container(message);
+        return sd_bus_message_append(message, "i", defaultTimeout);
+    };
+    UserBus::instance().post({service, path, service, "Notify", arguments});
 }

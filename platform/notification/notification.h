@@ -26,8 +26,8 @@ public:
     void setPreviewSummary(const QString &summary);
     void setPreviewBody(const QString &body);
 
-    /// Hands the notification over without waiting for an answer. Without a bus or a server
-    /// it is lost.
+    /// Hands the notification over and never waits. Without a server it is lost; while there is
+    /// no bus that takes it, it is kept for 10 seconds, and then dropped with a warning.
     void publish();
 
 private:

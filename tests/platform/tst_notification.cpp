@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <notification.h>
 
+#include "tests/support/clockshift.h"
+#include "tests/support/logcapture.h"
 #include "tests/support/notificationserver.h"
 #include "tests/support/privatebus.h"
 #include "tests/support/testmain.h"
+#include "userbus/userbus.h"
 
+#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -23,12 +27,16 @@ private Q_SLOTS:
     void notificationOutlivesItsObject();
     void eachPublicationIsANewNotification();
     void missingServerIsSurvived();
-    void missingBusIsSurvived();
-    void lostBusIsSurvived();
+    void missingBusIsWaitedForTenSeconds();
+    void restartedBusGetsTheNextOne();
+    void serverThatNeverAnswersIsNotWaitedFor();
 
 private:
+    /// Until it has had all that was published.
+    void waitForBus();
+
     std::optional<PrivateBus> m_bus;
-    // For all rows of a function: the session bus is not joined anew.
+    // For all rows of a function.
     std::optional<NotificationServer> m_server;
 };
 
@@ -69,6 +77,12 @@ void TestNotification::everyFieldReachesTheServer_data()
         [](Notification &n) { n.setUrgency(Notification::Low); });
     row("critical", "\"\" 0 \"\" \"\" \"\" actions() hints(urgency=2:uchar) -1",
         [](Notification &n) { n.setUrgency(Notification::Critical); });
+    row("characters that Unicode does not assign",
+        "\"\" 0 \"i\uffff\" \"\" \"\ufdd0\" actions() hints(image-path=i\uffff:QString) -1",
+        [](Notification &n) {
+            n.setIcon(QStringLiteral("i\uffff"));
+            n.setPreviewBody(QStringLiteral("\ufdd0"));
+        });
     row("texts", "\"\" 0 \"\" \"s\" \"b\n2\" actions() hints() -1", [](Notification &n) {
         n.setPreviewSummary(QStringLiteral("s"));
         n.setPreviewBody(QStringLiteral("b\n2"));
@@ -113,6 +127,7 @@ void TestNotification::missingServerIsSurvived()
 {
     Notification notification;
     notification.publish();
+    waitForBus();
     // It is lost: a server that comes later does not get it.
     const NotificationServer server(m_bus->address());
     notification.setPreviewBody(QStringLiteral("later"));
@@ -121,23 +136,66 @@ void TestNotification::missingServerIsSurvived()
     QCOMPARE(server.notices().first().body, QStringLiteral("later"));
 }
 
-void TestNotification::missingBusIsSurvived()
+void TestNotification::missingBusIsWaitedForTenSeconds()
 {
+    const LogCapture log;
     m_bus.reset();
     Notification notification;
     notification.publish();
+    QCOMPARE(log.lines(), QStringList());
+    shiftClock(std::chrono::seconds(10));
+    QTRY_COMPARE(log.lines(),
+        QStringList{QStringLiteral("warning com.tovra.lumd.daemon User's bus not reached in 10 s, "
+                                   "dropping message: org.freedesktop.Notifications.Notify")});
+
+    notification.setPreviewBody(QStringLiteral("later"));
     notification.publish();
-    QVERIFY(!QDBusConnection::sessionBus().isConnected());
+    m_bus.emplace(PrivateBus::Kind::User, 1000);
+    const NotificationServer server(m_bus->address());
+    shiftClock(std::chrono::seconds(1));
+    QTRY_COMPARE(server.notices().size(), 1);
+    QCOMPARE(server.notices().first().body, QStringLiteral("later"));
 }
 
-void TestNotification::lostBusIsSurvived()
+void TestNotification::restartedBusGetsTheNextOne()
 {
     Notification notification;
-    notification.publish();
-    QVERIFY(QDBusConnection::sessionBus().isConnected());
-    m_bus.reset();
-    QTRY_VERIFY(!QDBusConnection::sessionBus().isConnected());
-    notification.publish();
+    for (const QString &body : {QStringLiteral("first"), QStringLiteral("second")}) {
+        const NotificationServer server(m_bus->address());
+        notification.setPreviewBody(body);
+        notification.publish();
+        QTRY_COMPARE(server.notices().size(), 1);
+        QCOMPARE(server.notices().first().body, body);
+        m_bus.reset();
+        m_bus.emplace(PrivateBus::Kind::User, 1000);
+    }
+}
+
+void TestNotification::serverThatNeverAnswersIsNotWaitedFor()
+{
+    const LogCapture log;
+    {
+        // Has the name, and no object behind it.
+        QDBusConnection silent =
+            QDBusConnection::connectToBus(m_bus->address(), QStringLiteral("silent"));
+        QVERIFY(silent.registerService(QStringLiteral("org.freedesktop.Notifications")));
+        Notification notification;
+        notification.publish();
+        waitForBus();
+        shiftClock(std::chrono::seconds(30));
+        waitForBus();
+    }
+    QDBusConnection::disconnectFromBus(QStringLiteral("silent"));
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void TestNotification::waitForBus()
+{
+    bool isOver = false;
+    const UserBusCall call{"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+        "GetId", [](sd_bus_message *) { return 0; }};
+    UserBus::instance().call(call, this, [&isOver](UserBus::Outcome) { isOver = true; });
+    QTRY_VERIFY(isOver);
 }
 
 LUM_TEST_MAIN(TestNotification)

@@ -26,6 +26,8 @@ public:
     QString address() const { return m_address; }
     /// Stops it before the object's end, as a bus that breaks down.
     void stop();
+    /// Sends a signal to it, such as SIGSTOP.
+    void signal(int number) { m_daemon.signal(number); }
 
 private:
     QString m_address;

@@ -1,0 +1,243 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "userbus/busstrings.h"
+#include "userbus/userbus.h"
+
+#include "tests/support/clockshift.h"
+#include "tests/support/logcapture.h"
+#include "tests/support/testmain.h"
+#include "tests/userbus/rawpeer.h"
+#include "tests/userbus/recorder.h"
+
+#include <optional>
+
+#include <dirent.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+const QString a = QStringLiteral("a");
+const QString dropped = QStringLiteral("warning com.tovra.lumd.daemon User's bus not reached in "
+                                       "10 s, dropping message: test.Recorder.Note");
+
+/// Has the event loop turn until nothing is left to do at once.
+void settle()
+{
+    bool isDone = false;
+    QTimer::singleShot(50, [&isDone] { isDone = true; });
+    QTRY_VERIFY(isDone);
+}
+
+} // namespace
+
+/// What the user may put in the place of his bus.
+class TestUserBusPeers : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void noDescriptorsAreNegotiated();
+    void hangingAttemptIsClosedWhenNothingWaits();
+    void hangingAttemptIsBegunAnewAfterTenSeconds();
+    void connectionThatIsUpIsKept();
+    void closedConnectionIsNotMadeAnewWithinASecond();
+    void peerThatReadsNothingHoldsNobody();
+    void peerThatNeverEndsHoldsNobody();
+    void peerThatAsksAndNeverReadsIsLeft();
+    void nonsenseEndsTheConnection_data();
+    void nonsenseEndsTheConnection();
+
+private:
+    /// Has a message delivered, so that a connection is up; gives it.
+    int join();
+
+    std::optional<LogCapture> m_log;
+    std::optional<RawPeer> m_peer;
+    std::optional<UserBus> m_bus;
+};
+
+void TestUserBusPeers::init()
+{
+    m_log.emplace();
+    m_peer.emplace();
+    m_bus.emplace();
+}
+
+void TestUserBusPeers::cleanup()
+{
+    m_bus.reset();
+    m_peer.reset();
+    m_log.reset();
+}
+
+int TestUserBusPeers::join()
+{
+    m_bus->post(Recorder::note(a));
+    const int connection = m_peer->accept();
+    m_peer->welcome(connection);
+    QByteArray heard;
+    const auto isDelivered = [&heard, connection] {
+        heard += RawPeer::read(connection);
+        return heard.contains("Note");
+    };
+    return QTest::qWaitFor(isDelivered) ? connection : -1;
+}
+
+void TestUserBusPeers::noDescriptorsAreNegotiated()
+{
+    m_bus->post(Recorder::note(a));
+    const int connection = m_peer->accept();
+    QByteArray heard;
+    QTRY_VERIFY((heard += RawPeer::read(connection)).contains("BEGIN"));
+    QVERIFY2(heard.startsWith(QByteArray("\0AUTH EXTERNAL", 14)), heard.constData() + 1);
+    QVERIFY(!heard.contains("NEGOTIATE"));
+}
+
+void TestUserBusPeers::hangingAttemptIsClosedWhenNothingWaits()
+{
+    m_bus->post(Recorder::note(a));
+    const int connection = m_peer->accept();
+    settle();
+    QVERIFY(!RawPeer::hasEnded(connection));
+    shiftClock(10s);
+    QTRY_VERIFY(RawPeer::hasEnded(connection));
+    QCOMPARE(m_log->lines(), QStringList{dropped});
+    QCOMPARE(m_peer->acceptAll(), 1);
+}
+
+void TestUserBusPeers::hangingAttemptIsBegunAnewAfterTenSeconds()
+{
+    m_bus->post(Recorder::note(a));
+    const int connection = m_peer->accept();
+    settle();
+    shiftClock(9s);
+    m_bus->post(Recorder::note(a));
+    settle();
+    shiftClock(1s);
+    QTRY_VERIFY(RawPeer::hasEnded(connection));
+    const int next = m_peer->waitForConnection();
+    QVERIFY(next >= 0);
+    m_peer->welcome(next);
+    QByteArray heard;
+    QTRY_VERIFY((heard += RawPeer::read(next)).contains("Note"));
+    QCOMPARE(m_log->lines(), QStringList{dropped});
+}
+
+void TestUserBusPeers::connectionThatIsUpIsKept()
+{
+    const int connection = join();
+    QVERIFY(connection >= 0);
+    shiftClock(60s);
+    settle();
+    QVERIFY(!RawPeer::hasEnded(connection));
+    QVERIFY(!m_bus->findChild<QTimer *>()->isActive());
+    // The question of the next message is not answered: the message is not sent.
+    m_bus->post(Recorder::note(a));
+    QByteArray heard;
+    QTRY_VERIFY((heard += RawPeer::read(connection)).contains("GetId"));
+    shiftClock(10s);
+    QTRY_VERIFY(RawPeer::hasEnded(connection));
+    heard += RawPeer::read(connection);
+    QVERIFY(!heard.contains("Note"));
+    QCOMPARE(m_log->lines(), QStringList{dropped});
+}
+
+void TestUserBusPeers::closedConnectionIsNotMadeAnewWithinASecond()
+{
+    m_bus->post(Recorder::note(a));
+    ::shutdown(m_peer->accept(), SHUT_RDWR);
+    settle();
+    QCOMPARE(m_peer->acceptAll(), 1);
+    for (int attempts = 2; attempts <= 6; ++attempts) {
+        shiftClock(1s);
+        const int connection = m_peer->waitForConnection();
+        QVERIFY(connection >= 0);
+        ::shutdown(connection, SHUT_RDWR);
+        settle();
+    }
+    QCOMPARE(m_peer->acceptAll(), 6);
+}
+
+void TestUserBusPeers::peerThatReadsNothingHoldsNobody()
+{
+    const int connection = join();
+    QVERIFY(connection >= 0);
+    m_bus->post(Recorder::note(QString(4000000, QLatin1Char('a'))));
+    QByteArray heard;
+    QTRY_VERIFY((heard += RawPeer::read(connection)).contains("GetId"));
+    QVERIFY(RawPeer::write(connection, RawPeer::answer(2, 3, "id")) > 0);
+    settle();
+    // The rest of the great one is in the way of the question.
+    m_bus->post(Recorder::note(a));
+    settle();
+    QVERIFY(!RawPeer::hasEnded(connection));
+    shiftClock(10s);
+    QTRY_VERIFY(RawPeer::hasEnded(connection));
+    QCOMPARE(m_log->lines(), QStringList{dropped});
+}
+
+void TestUserBusPeers::peerThatNeverEndsHoldsNobody()
+{
+    const int connection = join();
+    QVERIFY(connection >= 0);
+    QByteArray flood;
+    for (quint32 serial = 2; serial < 502; ++serial)
+        flood += RawPeer::answer(serial, serial, "unasked");
+    QVERIFY(RawPeer::write(connection, flood) > 0);
+    int turns = 0;
+    QTimer timer;
+    connect(&timer, &QTimer::timeout, this, [&turns] { ++turns; });
+    timer.start(0);
+    // The other events have their turn between any two of the messages.
+    int left = 0;
+    QTRY_VERIFY(::recv(connection, &left, 1, MSG_PEEK) != 0 && turns >= 400);
+    QVERIFY(!RawPeer::hasEnded(connection));
+}
+
+void TestUserBusPeers::peerThatAsksAndNeverReadsIsLeft()
+{
+    const int connection = join();
+    QVERIFY(connection >= 0);
+    QByteArray pings;
+    for (quint32 serial = 2; serial < 5000; ++serial)
+        pings += RawPeer::ping(serial);
+    const auto isLeft = [&pings, connection] {
+        pings.remove(0, int(qMax<qint64>(0, RawPeer::write(connection, pings))));
+        for (int turn = 0; turn < 50; ++turn)
+            QCoreApplication::processEvents();
+        return RawPeer::hasEnded(connection);
+    };
+    QVERIFY(QTest::qWaitFor(isLeft, 20000));
+    QVERIFY(!pings.isEmpty());
+    m_bus->post(Recorder::note(a));
+    QVERIFY(m_peer->waitForConnection() >= 0);
+}
+
+void TestUserBusPeers::nonsenseEndsTheConnection_data()
+{
+    QTest::addColumn<bool>("isUp");
+    QTest::newRow("before it is up") << false;
+    QTest::newRow("after it is up") << true;
+}
+
+void TestUserBusPeers::nonsenseEndsTheConnection()
+{
+    QFETCH(bool, isUp);
+    int connection = -1;
+    if (isUp) {
+        connection = join();
+    } else {
+        m_bus->post(Recorder::note(a));
+        connection = m_peer->accept();
+    }
+    QVERIFY(RawPeer::write(connection, QByteArray(200, 'x') + "\r\n\r\n\r\n") > 0);
+    QTRY_VERIFY(RawPeer::hasEnded(connection));
+}
+
+LUM_TEST_MAIN(TestUserBusPeers)
+#include "tst_userbuspeers.moc"
