@@ -26,7 +26,7 @@ std::optional<quint64> firstNumber(const QByteArray &output)
 
 } // namespace
 
-DataUsage::DataUsage(QObject *parent) : QObject(parent)
+DataUsage::DataUsage(QObject *parent) : QObject(parent), m_deadline(this)
 {
     m_deadline.setSingleShot(true);
     m_deadline.setTimerType(Qt::PreciseTimer);
