@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto deadline = 30s;
+constexpr auto timeForDu = 30s;
 
 /// Nothing without a first part.
 std::optional<quint64> firstNumber(const QByteArray &output)
@@ -26,11 +26,11 @@ std::optional<quint64> firstNumber(const QByteArray &output)
 
 } // namespace
 
-DataUsage::DataUsage(QObject *parent) : QObject(parent)
+DataUsage::DataUsage(QObject *parent) : QObject(parent), m_deadline(this)
 {
     m_deadline.setSingleShot(true);
     m_deadline.setTimerType(Qt::PreciseTimer);
-    m_deadline.setInterval(deadline);
+    m_deadline.setInterval(timeForDu);
     connect(&m_deadline, &QTimer::timeout, this, &DataUsage::onDeadline);
 }
 

@@ -17,8 +17,13 @@ constexpr auto replyPatience = 25s;
 constexpr auto retryInterval = 1s;
 // The deadlines are kept here.
 constexpr uint64_t noTimeout = UINT64_MAX;
-// Answers to calls of a peer that reads none of them.
-constexpr uint64_t mostUnsent = 1000;
+
+// Whoever calls this process gets no answer: what a peer asks for and never reads would pile up.
+int passOver(sd_bus_message *, void *, sd_bus_error *) noexcept
+{
+    constexpr int isDealtWith = 1;
+    return isDealtWith;
+}
 
 QByteArray nameOf(const UserBusCall &call)
 {
@@ -74,10 +79,7 @@ void UserBus::onActivity()
 {
     if (m_bus) {
         // One message a turn of the event loop, or a peer that never ends would have it all.
-        const int result = sd_bus_process(m_bus.get(), nullptr);
-        uint64_t unsent = 0;
-        if (result < 0 || sd_bus_is_open(m_bus.get()) <= 0
-            || sd_bus_get_n_queued_write(m_bus.get(), &unsent) < 0 || unsent > mostUnsent) {
+        if (sd_bus_process(m_bus.get(), nullptr) < 0 || sd_bus_is_open(m_bus.get()) <= 0) {
             closeBus();
             endCallsThatWait();
         } else if (m_question == Question::Open && !m_questionSlot
@@ -121,6 +123,8 @@ void UserBus::connectToBus()
         result = sd_bus_set_bus_client(bus, 1);
     if (result >= 0)
         result = sd_bus_negotiate_fds(bus, 0);
+    if (result >= 0)
+        result = sd_bus_add_filter(bus, nullptr, passOver, nullptr);
     if (result >= 0)
         result = sd_bus_start(bus);
     if (result >= 0)

@@ -1,26 +1,42 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "tests/daemon/appfixture.h"
+#include "tests/support/shiftedclock.h"
 #include "tests/support/testmain.h"
 #include "tests/support/testnamespace.h"
 
+#include <QDBusConnection>
+#include <QDBusPendingCall>
 #include <QDir>
 
 #include <csignal>
 #include <unistd.h>
+
+using namespace std::chrono_literals;
 
 namespace {
 
 const QString du = QStringLiteral("/usr/bin/du");
 const QString arguments = QStringLiteral("/run/du-arguments");
 const QString processId = QStringLiteral("/run/du-process");
-const QString deadlineHasPassed = QStringLiteral("/run/deadline-has-passed");
 const QString noAnswer = QStringLiteral("warning Could not determine android app data usage");
+
+QString textOf(const QDBusMessage &reply)
+{
+    const QString result = reply.arguments().value(0).toString();
+    return errorOf(reply) + reply.signature() + QLatin1Char(' ') + result;
+}
 
 QString usage()
 {
-    const QDBusMessage reply = DaemonFixture::call(QStringLiteral("getAndroidAppDataUsage"));
-    const QString result = reply.arguments().value(0).toString();
-    return errorOf(reply) + reply.signature() + QLatin1Char(' ') + result;
+    return textOf(DaemonFixture::call(QStringLiteral("getAndroidAppDataUsage")));
+}
+
+/// The same without waiting for the answer.
+QDBusPendingCall ask()
+{
+    return QDBusConnection::systemBus().asyncCall(QDBusMessage::createMethodCall(
+        QStringLiteral("com.tovra.lumd"), QStringLiteral("/com/tovra/lumd"),
+        QStringLiteral("com.tovra.lumd"), QStringLiteral("getAndroidAppDataUsage")));
 }
 
 } // namespace
@@ -42,8 +58,11 @@ private Q_SLOTS:
     void toolThatCannotRunGivesNothing();
     void toolIsGivenHalfAMinute_data();
     void toolIsGivenHalfAMinute();
+    void toolThatTakesItsTimeHoldsNobody();
 
 private:
+    static void replaceByOneThatGoesOn(const QByteArray &printed);
+
     std::unique_ptr<AppFixture> m_world;
 };
 
@@ -170,29 +189,53 @@ void TestAppManagementDataUsage::toolIsGivenHalfAMinute()
 {
     QFETCH(QByteArray, printed);
     QFETCH(QString, bytes);
-    QFile::remove(deadlineHasPassed);
-    TestNamespace::replaceProgram(du,
-        "#!/bin/sh\n" + printed + "echo $$ > " + processId.toLatin1() + "\n: > "
-            + deadlineHasPassed.toLatin1() + "\nexec tail -f /dev/null\n");
-    m_world->daemon->setEnvironment(QStringLiteral("LD_PRELOAD"), QStringLiteral(SHORT_WAITS_PATH));
-    m_world->daemon->setEnvironment(QStringLiteral("DEADLINE_HAS_PASSED"), deadlineHasPassed);
-    m_world->daemon->setEnvironment(QStringLiteral("ASAN_OPTIONS"),
-        qEnvironmentVariable("ASAN_OPTIONS") + QStringLiteral(":verify_asan_link_order=0"));
+    replaceByOneThatGoesOn(printed);
+    ShiftedClock clock;
+    clock.giveTo(*m_world->daemon);
     QVERIFY(m_world->start());
-    QCOMPARE(usage(), bytes);
+    const QDBusPendingCall call = ask();
+    QTRY_VERIFY(fileContents(processId).endsWith('\n'));
+    clock.forward(29s);
+    QVERIFY(DaemonFixture::settle());
+    QVERIFY(!call.isFinished());
+    clock.forward(1s);
+    QVERIFY(DaemonFixture::settle());
+    QTRY_VERIFY(call.isFinished());
+    QCOMPARE(textOf(call.reply()), bytes);
     const QStringList expected = printed.isEmpty() ? QStringList{noAnswer} : QStringList();
     QTRY_COMPARE(m_world->daemonLines(), expected);
-
-    // The first wait has the whole deadline, but for what the start took.
-    const QRegularExpression wait(QStringLiteral("^wait (\\d+)$"));
-    const QStringList waits = m_world->daemon->lines().filter(wait);
-    QVERIFY(!waits.isEmpty());
-    const int deadline = wait.match(waits.first()).captured(1).toInt();
-    QVERIFY2(deadline > 25000 && deadline <= 30000, qPrintable(waits.first()));
-    // It does not live on.
+    // It does not live on, nor is it left for init.
     const pid_t process = fileContents(processId).trimmed().toInt();
     QVERIFY(process > 0);
     QTRY_COMPARE(kill(process, 0), -1);
+}
+
+void TestAppManagementDataUsage::toolThatTakesItsTimeHoldsNobody()
+{
+    replaceByOneThatGoesOn("printf '7\\t/home\\n'\n");
+    QVERIFY(m_world->start());
+    const QDBusPendingCall first = ask();
+    QTRY_VERIFY(fileContents(processId).endsWith('\n'));
+    const pid_t process = fileContents(processId).trimmed().toInt();
+    const QDBusPendingCall second = ask();
+    QVERIFY(DaemonFixture::settle());
+    QCOMPARE(errorOf(DaemonFixture::call(QStringLiteral("isRunning"))), QString());
+    QVERIFY(!first.isFinished() && !second.isFinished());
+    // Both get what the one has found.
+    QCOMPARE(kill(process, SIGTERM), 0);
+    QTRY_VERIFY(first.isFinished() && second.isFinished());
+    QCOMPARE(textOf(first.reply()), QStringLiteral("t 0"));
+    QCOMPARE(textOf(second.reply()), QStringLiteral("t 0"));
+    QTRY_COMPARE(m_world->daemonLines(), QStringList{noAnswer});
+    QCOMPARE(fileContents(processId).count('\n'), 1);
+}
+
+void TestAppManagementDataUsage::replaceByOneThatGoesOn(const QByteArray &printed)
+{
+    QFile::remove(processId);
+    TestNamespace::replaceProgram(du,
+        "#!/bin/sh\n" + printed + "echo $$ >> " + processId.toLatin1()
+            + "\nexec tail -f /dev/null\n");
 }
 
 LUM_TEST_MAIN(TestAppManagementDataUsage)

@@ -1,91 +1,15 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "tests/daemon/appfixture.h"
+#include "tests/daemon/homescreen.h"
 #include "tests/support/testmain.h"
 
 #include <QDBusConnection>
-#include <QDBusContext>
 #include <QDBusPendingCall>
 #include <QDir>
-
-#include <optional>
 
 namespace {
 
 const QString applications = QStringLiteral("/usr/share/applications/");
-
-/// The home screen, on one user's bus; it answers from the event loop.
-class HomeScreen : public QObject, protected QDBusContext
-{
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.teskmobile.glossbar.LauncherModel")
-
-public:
-    enum class Manner { Answers, Refuses };
-
-    explicit HomeScreen(const QString &busAddress, Manner manner = Manner::Answers);
-    ~HomeScreen() override { QDBusConnection::disconnectFromBus(m_bus.name()); }
-
-    /// "METHOD(ARGUMENT, ...)"
-    QStringList calls() const { return m_calls; }
-
-public Q_SLOTS:
-    void updatingStarted(
-        const QString &name, const QString &second, const QString &third, const QString &path);
-    void updatingFinished(const QString &name);
-
-private:
-    void record(const QString &text);
-
-    QDBusConnection m_bus;
-    Manner m_manner;
-    QStringList m_calls;
-};
-
-HomeScreen::HomeScreen(const QString &busAddress, Manner manner)
-    : m_bus(QDBusConnection::connectToBus(
-        busAddress, QStringLiteral("homescreen-%1").arg(quintptr(this)))),
-      m_manner(manner)
-{
-    if (!m_bus.registerObject(
-            QStringLiteral("/LauncherModel"), this, QDBusConnection::ExportAllSlots)
-        || !m_bus.registerService(QStringLiteral("org.teskmobile.glossbar")))
-        qFatal("home screen: %s", qPrintable(m_bus.lastError().message()));
-}
-
-void HomeScreen::updatingStarted(
-    const QString &name, const QString &second, const QString &third, const QString &path)
-{
-    record(QStringLiteral("updatingStarted(%1, %2, %3, %4)").arg(name, second, third, path));
-}
-
-void HomeScreen::updatingFinished(const QString &name)
-{
-    record(QStringLiteral("updatingFinished(%1)").arg(name));
-}
-
-void HomeScreen::record(const QString &text)
-{
-    m_calls.append(text);
-    if (m_manner == Manner::Refuses)
-        sendErrorReply(QDBusError::Failed, QStringLiteral("no"));
-}
-
-QString started(const QString &name, const QString &path)
-{
-    return QStringLiteral("updatingStarted(%1, , , %2)").arg(name, path);
-}
-
-QString finished(const QString &name)
-{
-    return QStringLiteral("updatingFinished(%1)").arg(name);
-}
-
-QString makeEntry(const QString &name, const QByteArray &package)
-{
-    const QString path = applications + name + QStringLiteral(".desktop");
-    makeFile(path, "[Desktop Entry]\nName=a\nX-lumd-packageName=" + package + '\n');
-    return path;
-}
 
 /// Calls the method, while the event loop turns; gives the error's words, or nothing.
 QString notify(bool isUpgrading)
