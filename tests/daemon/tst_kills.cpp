@@ -69,6 +69,7 @@ private:
     void killWhileAnnouncing(int round);
 
     std::mt19937 m_random;
+    int m_leftovers = 0; ///< kills that left something behind
 };
 
 void TestKills::filesAreWhole(unsigned int seed)
@@ -84,6 +85,7 @@ void TestKills::filesAreWhole(unsigned int seed)
             return;
         m_world->renew();
     }
+    qInfo("%d kills, %d of which left a temporary file", kills(), m_leftovers);
 }
 
 void TestKills::listIsComplete(int round)
@@ -110,6 +112,8 @@ void TestKills::killWhileAnnouncing(int round)
         }
     }
     QVERIFY(m_world->daemon->waitForExit());
+    if (generatedFiles() != filesOf(announced(round)))
+        ++m_leftovers;
     const QMap<QString, QByteArray> before = contentsOf(announced(round));
     const QMap<QString, QByteArray> after = contentsOf(announced(round + 1));
     for (auto file = before.cbegin(); file != before.cend(); ++file) {
