@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "androidparcel.h"
 #include "servicemanager/servicedirectory.h"
 #include "wirebytes.h"
 
@@ -21,9 +22,9 @@ QByteArray header(int sdk)
 }
 
 /// What Android's own client appends behind the object when it adds a service.
-QByteArray addTail(int sdk)
+QByteArray addTail(int sdk, qint32 dumpPriority = 8)
 {
-    return word(0) + (sdk >= 28 ? word(8) : QByteArray());
+    return word(0) + (sdk >= 28 ? word(dumpPriority) : QByteArray());
 }
 
 /// A directory of one level with a record of what it did.
@@ -47,11 +48,26 @@ public:
         return m_directory.transact({code, header(m_sdk) + arguments, objects, 42});
     }
 
-    ServiceDirectory::Answer add(const QString &name, qint32 handle)
+    ServiceDirectory::Answer add(const QString &name, qint32 handle, qint32 dumpPriority = 8)
     {
         const QByteArray text = string16(name);
-        return call(Add, text + remoteObject(handle) + addTail(m_sdk),
+        return call(Add, text + remoteObject(handle) + addTail(m_sdk, dumpPriority),
             {quint64(header(m_sdk).size() + text.size())});
+    }
+
+    /// The names in the list, in order.
+    QStringList names(qint32 priorities = 0xf)
+    {
+        QStringList names;
+        for (qint32 index = 0; index < 10; ++index) {
+            const ServiceDirectory::Answer answer =
+                call(List, word(index) + (m_sdk >= 28 ? word(priorities) : QByteArray()));
+            if (answer.status != 0)
+                break;
+            AndroidParcel reply(answer.data);
+            names.append(reply.readString16());
+        }
+        return names;
     }
 
     ServiceDirectory &directory() { return m_directory; }
@@ -93,7 +109,12 @@ private Q_SLOTS:
     void servicesAreListedOneACall_data();
     void servicesAreListedOneACall();
     void nameRegisteredAgainGoesToTheNewcomer();
-    void deathRemovesAllServicesOfTheHandle();
+    void nameRegisteredAgainKeepsItsPlaceAndPriority();
+    void listHasTheNewestFirst();
+    void deadServicesAreNotFound();
+    void nameOfADeadServiceStaysInTheList();
+    void deadServiceComesBackUnderItsName();
+    void nameHasAtMost127Units();
     void pingIsAnsweredWithNothing();
     void unknownCodeIsAnsweredWithItsStatus();
     void wrongRequestIsRefused_data();
@@ -149,11 +170,11 @@ void TestServiceDirectory::servicesAreListedOneACall()
         return world.call(List, word(index) + (sdk >= 28 ? word(0xf) : QByteArray()));
     };
     QCOMPARE(list(0).data,
-        QByteArray::fromHex("03000000"
-                            "6f006e0065000000"));
-    QCOMPARE(list(1).data,
         QByteArray::fromHex("04000000"
                             "66006f007500720000000000"));
+    QCOMPARE(list(1).data,
+        QByteArray::fromHex("03000000"
+                            "6f006e0065000000"));
     QCOMPARE(list(2).status, -1);
     QCOMPARE(world.lastError(), QString());
 }
@@ -169,20 +190,80 @@ void TestServiceDirectory::nameRegisteredAgainGoesToTheNewcomer()
             QStringLiteral("keep 5"), QStringLiteral("keep 6"), QStringLiteral("release 5")}));
 }
 
-void TestServiceDirectory::deathRemovesAllServicesOfTheHandle()
+void TestServiceDirectory::nameRegisteredAgainKeepsItsPlaceAndPriority()
+{
+    World world(28);
+    world.add(QStringLiteral("old"), 1, 8);
+    world.add(QStringLiteral("new"), 2, 8);
+    world.add(QStringLiteral("old"), 3, 1);
+    const QStringList both{QStringLiteral("new"), QStringLiteral("old")};
+    QCOMPARE(world.names(8), both);
+    QCOMPARE(world.names(1), QStringList());
+}
+
+void TestServiceDirectory::listHasTheNewestFirst()
+{
+    World world(29);
+    for (const char *name : {"one", "two", "three"})
+        world.add(QString::fromLatin1(name), 1);
+    QCOMPARE(world.names(),
+        (QStringList{QStringLiteral("three"), QStringLiteral("two"), QStringLiteral("one")}));
+}
+
+void TestServiceDirectory::deadServicesAreNotFound()
 {
     World world(27);
     world.add(QStringLiteral("one"), 5);
     world.add(QStringLiteral("two"), 6);
     world.add(QStringLiteral("three"), 5);
     world.directory().handleDied(5);
-    QVERIFY(!world.call(Check, string16(QStringLiteral("one"))).handle);
-    QVERIFY(world.call(Check, string16(QStringLiteral("two"))).handle);
-    QVERIFY(!world.call(Check, string16(QStringLiteral("three"))).handle);
+    for (const quint32 code : {Get, Check}) {
+        const ServiceDirectory::Answer answer = world.call(code, string16(QStringLiteral("one")));
+        QCOMPARE(answer.status, 0);
+        QCOMPARE(answer.data, word(0));
+        QVERIFY(!answer.handle);
+        QVERIFY(world.call(code, string16(QStringLiteral("two"))).handle);
+        QVERIFY(!world.call(code, string16(QStringLiteral("three"))).handle);
+    }
     QCOMPARE(world.handles().mid(3),
         (QStringList{QStringLiteral("release 5"), QStringLiteral("release 5")}));
     QCOMPARE(world.changes().mid(3),
-        (QStringList{QStringLiteral("died one"), QStringLiteral("died three")}));
+        (QStringList{QStringLiteral("died three"), QStringLiteral("died one")}));
+    world.directory().handleDied(5);
+    QCOMPARE(world.handles().size(), 5);
+}
+
+void TestServiceDirectory::nameOfADeadServiceStaysInTheList()
+{
+    World world(27);
+    world.add(QStringLiteral("one"), 5);
+    world.add(QStringLiteral("two"), 6);
+    world.directory().handleDied(5);
+    QCOMPARE(world.names(), (QStringList{QStringLiteral("two"), QStringLiteral("one")}));
+}
+
+void TestServiceDirectory::deadServiceComesBackUnderItsName()
+{
+    World world(27);
+    world.add(QStringLiteral("one"), 5);
+    world.add(QStringLiteral("two"), 6);
+    world.directory().handleDied(5);
+    world.add(QStringLiteral("one"), 7);
+    QCOMPARE(*world.call(Get, string16(QStringLiteral("one"))).handle, 7U);
+    QCOMPARE(world.names(), (QStringList{QStringLiteral("two"), QStringLiteral("one")}));
+    QCOMPARE(world.handles().mid(2),
+        (QStringList{QStringLiteral("release 5"), QStringLiteral("keep 7")}));
+}
+
+void TestServiceDirectory::nameHasAtMost127Units()
+{
+    World world(27);
+    const QString longest(127, QLatin1Char('n'));
+    QCOMPARE(world.add(longest, 5).status, 0);
+    QCOMPARE(world.add(longest + QLatin1Char('n'), 6).status, -1);
+    QVERIFY2(world.lastError().startsWith(QLatin1String("name of 128 units")),
+        qPrintable(world.lastError()));
+    QCOMPARE(world.names(), QStringList{longest});
 }
 
 void TestServiceDirectory::pingIsAnsweredWithNothing()

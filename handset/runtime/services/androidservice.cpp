@@ -132,40 +132,74 @@ GBinderLocalReply *AndroidService::handle(
         {QStringLiteral("strictMode"), header.strictMode}, {QStringLiteral("oneway"), oneway},
         {QStringLiteral("pid"), gbinder_remote_request_sender_pid(request)},
         {QStringLiteral("uid"), qint64(gbinder_remote_request_sender_euid(request))}};
-    GBinderLocalReply *reply = nullptr;
+    Answer answer;
     if (parcel.ok()) {
-        reply = gbinder_local_object_new_reply(m_object.get());
-        GBinderWriter writer;
-        gbinder_local_reply_init_writer(reply, &writer);
-        *status = answer(call, &writer, &event);
+        answer = this->answer(call, &event);
     } else {
-        *status = BadValue;
         event.insert(QStringLiteral("error"), parcel.error());
         event.insert(QStringLiteral("data"), QString::fromLatin1(data.toHex()));
+        answer = [](int *refused) {
+            *refused = BadValue;
+            return nullptr;
+        };
     }
+    if (m_held.holding())
+        event.insert(QStringLiteral("held"), true);
     m_log->record(event);
-    if (*status != 0)
-        LocalReplyPointer(std::exchange(reply, nullptr));
-    return reply;
+    if (!m_held.holding())
+        return answer(status);
+    hold(request, answer);
+    return nullptr;
 }
 
-int AndroidService::answer(const Call &call, GBinderWriter *writer, QJsonObject *event)
+AndroidService::Answer AndroidService::answer(const Call &call, QJsonObject *event)
 {
     const std::optional<Failure> failure = std::exchange(m_failure, std::nullopt);
     if (!failure) {
-        if (call.carryOut)
-            call.carryOut(writer);
-        return 0;
+        return [this, call](int *status) {
+            *status = 0;
+            return reply(call.carryOut);
+        };
     }
     event->insert(QStringLiteral("failed"),
         QJsonObject{{QStringLiteral("status"), failure->status},
             {QStringLiteral("exception"), failure->exception}});
-    if (failure->status != 0)
-        return failure->status;
-    gbinder_writer_append_int32(writer, guint32(failure->exception));
+    return [this, failure](int *status) -> GBinderLocalReply * {
+        *status = failure->status;
+        if (failure->status != 0)
+            return nullptr;
+        return reply([this, failure](GBinderWriter *writer) { writeFailure(*failure, writer); });
+    };
+}
+
+GBinderLocalReply *AndroidService::reply(const std::function<void(GBinderWriter *)> &write) const
+{
+    GBinderLocalReply *reply = gbinder_local_object_new_reply(m_object.get());
+    GBinderWriter writer;
+    gbinder_local_reply_init_writer(reply, &writer);
+    if (write)
+        write(&writer);
+    return reply;
+}
+
+void AndroidService::writeFailure(const Failure &failure, GBinderWriter *writer) const
+{
+    gbinder_writer_append_int32(writer, guint32(failure.exception));
     gbinder_writer_append_string16(writer, "made to fail");
     // Android 9 sends the size of a stack trace behind the message
     if (m_sdk >= 28)
         gbinder_writer_append_int32(writer, 0);
-    return 0;
+}
+
+void AndroidService::hold(GBinderRemoteRequest *request, const Answer &answer)
+{
+    // only the thread that received it waits; libgbinder starts another one
+    gbinder_remote_request_block(request);
+    const std::shared_ptr<GBinderRemoteRequest> held(
+        gbinder_remote_request_ref(request), GBinderRelease());
+    m_held.add([held, answer] {
+        int status = 0;
+        const LocalReplyPointer reply(answer(&status));
+        gbinder_remote_request_complete(held.get(), reply.get(), status);
+    });
 }

@@ -3,6 +3,7 @@
 
 #include "androidparcel.h"
 #include "gbinderhandles.h"
+#include "services/heldcalls.h"
 
 #include <QHash>
 #include <QJsonObject>
@@ -50,6 +51,9 @@ public:
     Call read(quint32 code, AndroidParcel &request, QString *method) const;
     /// Lets the next call that is right fail this way.
     void failNext(const Failure &failure) { m_failure = failure; }
+    /// Makes the service slow, or hang. A call that is held was recorded when it came; it is
+    /// carried out when it is answered.
+    HeldCalls *heldCalls() { return &m_held; }
 
 protected:
     using Reader = std::function<Call(AndroidParcel &)>;
@@ -87,9 +91,15 @@ private:
 
     static GBinderLocalReply *onTransact(GBinderLocalObject *object, GBinderRemoteRequest *request,
         guint code, guint flags, int *status, void *service);
+    /// Makes the reply to a request, or a null one and the status.
+    using Answer = std::function<GBinderLocalReply *(int *status)>;
+
     GBinderLocalReply *handle(
         GBinderRemoteRequest *request, quint32 code, bool oneway, int *status);
-    int answer(const Call &call, GBinderWriter *writer, QJsonObject *event);
+    Answer answer(const Call &call, QJsonObject *event);
+    GBinderLocalReply *reply(const std::function<void(GBinderWriter *)> &write) const;
+    void writeFailure(const Failure &failure, GBinderWriter *writer) const;
+    void hold(GBinderRemoteRequest *request, const Answer &answer);
 
     const QString m_name;
     const QString m_interface;
@@ -99,4 +109,5 @@ private:
     std::optional<Failure> m_failure;
     GBinderRemoteRequest *m_request = nullptr; ///< while it is being read
     LocalObjectPointer m_object;
+    HeldCalls m_held;
 };
