@@ -34,8 +34,8 @@ AlienRuntime::AlienRuntime(const RuntimeConfig &config)
       m_serviceManager(QStringLiteral("alien-servicemanager")),
       m_systemServer(QStringLiteral("alien-systemserver"))
 {
-    connect(&m_serviceManager, &RuntimeProcess::received, this,
-        &AlienRuntime::onServiceManagerEvent);
+    connect(
+        &m_serviceManager, &RuntimeProcess::received, this, &AlienRuntime::onServiceManagerEvent);
     connect(&m_serviceManager, &RuntimeProcess::stopped, this, &AlienRuntime::fail);
     connect(&m_systemServer, &RuntimeProcess::received, this, &AlienRuntime::onSystemServerLine);
     connect(&m_systemServer, &RuntimeProcess::stopped, this, &AlienRuntime::onSystemServerStopped);

@@ -40,8 +40,7 @@ void RuntimeControl::handle(const QJsonObject &request, const Respond &respond)
         {QStringLiteral("crash"), &RuntimeControl::crash},
         {QStringLiteral("recover"), &RuntimeControl::recover},
     };
-    const Command command =
-        commands.value(request.value(QLatin1String("command")).toString());
+    const Command command = commands.value(request.value(QLatin1String("command")).toString());
     if (command)
         (this->*command)(request, respond);
     else

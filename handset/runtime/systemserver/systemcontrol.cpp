@@ -40,6 +40,7 @@ void SystemControl::handle(const QJsonObject &request, const Respond &respond)
         {QStringLiteral("windows"), &SystemControl::windows},
         {QStringLiteral("timezone"), &SystemControl::timezone},
         {QStringLiteral("fail-next"), &SystemControl::failNext},
+        {QStringLiteral("clear-delay"), &SystemControl::clearDelay},
         {QStringLiteral("hold"), &SystemControl::hold},
         {QStringLiteral("release"), &SystemControl::release},
         {QStringLiteral("launcher-registered"), &SystemControl::launcherRegistered},
@@ -99,8 +100,8 @@ void SystemControl::remove(const QJsonObject &request, const Respond &respond)
 
 void SystemControl::sendRaw(const QJsonObject &request, const Respond &respond)
 {
-    const QByteArray interface =
-        request.value(QLatin1String("interface")).toString(LauncherCalls::interface()).toLatin1();
+    const QString interface =
+        request.value(QLatin1String("interface")).toString(LauncherCalls::interface());
     const QByteArray data = QByteArray::fromHex(text(request, "data").toLatin1());
     const auto code = quint32(request.value(QLatin1String("code")).toDouble());
     send({LauncherCalls::raw(code, interface, data, isOneway(request))}, respond);
@@ -154,14 +155,19 @@ void SystemControl::failNext(const QJsonObject &request, const Respond &respond)
     respond(done());
 }
 
+void SystemControl::clearDelay(const QJsonObject &request, const Respond &respond)
+{
+    m_server->installer()->setClearDelay(request.value(QLatin1String("delay")).toInt());
+    respond(done());
+}
+
 void SystemControl::hold(const QJsonObject &request, const Respond &respond)
 {
     AndroidService *service = serviceOf(request, respond);
     if (!service)
         return;
     const QJsonValue delay = request.value(QLatin1String("delay"));
-    service->heldCalls()->hold(
-        delay.isDouble() ? std::optional<int>(delay.toInt()) : std::nullopt);
+    service->heldCalls()->hold(delay.isDouble() ? std::optional<int>(delay.toInt()) : std::nullopt);
     respond(done());
 }
 

@@ -31,6 +31,7 @@ private:
     void windows(const QJsonObject &request, const Respond &respond);
     void timezone(const QJsonObject &request, const Respond &respond);
     void failNext(const QJsonObject &request, const Respond &respond);
+    void clearDelay(const QJsonObject &request, const Respond &respond);
     void hold(const QJsonObject &request, const Respond &respond);
     void release(const QJsonObject &request, const Respond &respond);
     void launcherRegistered(const QJsonObject &request, const Respond &respond);

@@ -33,8 +33,10 @@ SystemServer::SystemServer(const RuntimeConfig &config)
     : m_config(config),
       m_apps(QStringLiteral("/var/lib/alien-runtime/apps")),
       m_windows(config.windowPolls),
-      m_launcher(&m_log),
-      m_installer({&m_apps, &m_windows, &m_launcher, &m_log}, config.installDelay)
+      m_launcher(&m_log, config.sdk),
+      m_installer(
+          {config.sdk, QStringLiteral("/home/.android"), &m_apps, &m_windows, &m_launcher, &m_log},
+          {config.installDelay, config.clearDelay})
 {
     makeServices();
 }

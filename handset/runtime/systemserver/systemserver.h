@@ -32,6 +32,7 @@ public:
     AppCatalogue *apps() { return &m_apps; }
     LauncherChannel *launcher() { return &m_launcher; }
     WindowList *windows() { return &m_windows; }
+    PackageInstaller *installer() { return &m_installer; }
     /// Null until one was set.
     QString timeZone() const { return m_alarm->timeZone(); }
     /// Null for a name that none has.
