@@ -109,12 +109,15 @@ class AppSteps(Steps):
         size = ("getAppSize", "s", apps.NOTES.package)
         self.expect(self.bus(*size), "(xxx) 52000000 500000 200000")
         self.bus("deleteAppCacheFiles", "s", apps.NOTES.package)
+        self.device.wait_event("clear", "what=cache", f"package={apps.NOTES.package}")
         self.expect(self.bus(*size), "(xxx) 52000000 500000 0")
         self.bus("clearAppUserData", "s", apps.NOTES.package)
+        self.device.wait_event("clear", "what=data", f"package={apps.NOTES.package}")
         self.expect(self.bus(*size), "(xxx) 52000000 0 0")
         self.device.write({f"{device.APP_DATA}/{apps.NOTES.package}/notes": "x" * 5000})
         total = self.machine.run("du", "-sxb", device.APP_DATA).split()[0]
         self.expect(self.bus("getAndroidAppDataUsage"), f"t {total}")
+        self.bus("launchApp", "s", apps.NOTES.package)
         self.bus("forceStopApp", "s", apps.NOTES.package)
         self.check(apps.NOTES.package not in self.device.runtime("windows")["windows"],
                    "the window is still there")

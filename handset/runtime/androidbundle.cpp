@@ -9,7 +9,6 @@ namespace {
 
 // android.os.BaseBundle: BUNDLE_MAGIC, the letters "BNDL"
 constexpr qint32 Magic = 0x4C444E42;
-constexpr qint32 NullBundle = -1;
 
 // android.os.Parcel, VAL_...; those of them that are read here
 enum ValueType : qint32 {
@@ -67,35 +66,43 @@ QJsonObject readValue(AndroidParcel &parcel)
     }
 }
 
-} // namespace
-
-QJsonValue readAndroidBundle(AndroidParcel &parcel)
+QJsonObject readEntries(AndroidParcel &parcel)
 {
-    QJsonObject bundle;
-    const qint32 length = parcel.readInt32();
-    if (!parcel.ok() || length == NullBundle)
-        return {};
-    // Android writes an empty Bundle as this one word
-    if (length == 0)
-        return bundle;
-    if (length < 0)
-        parcel.fail(QStringLiteral("Bundle of length %1").arg(length));
-    const qint32 magic = parcel.readInt32();
-    if (magic != Magic)
-        parcel.fail(
-            QStringLiteral("Bundle's magic is 0x%1").arg(quint32(magic), 8, 16, QLatin1Char('0')));
-    const qint64 start = parcel.position();
+    QJsonObject entries;
     const qint32 count = parcel.readInt32();
     if (count < 0)
         parcel.fail(QStringLiteral("Bundle of %1 entries").arg(count));
     for (qint32 i = 0; parcel.ok() && i < count; ++i) {
         const QString key = parcel.readString16();
-        if (key.isNull() || bundle.contains(key))
+        if (key.isNull() || entries.contains(key))
             parcel.fail(QStringLiteral("Bundle's key \"%1\" is null or not its first").arg(key));
-        bundle.insert(key, readValue(parcel));
+        const QJsonObject content = readValue(parcel);
+        if (parcel.ok())
+            entries.insert(key, content);
     }
-    const qint64 used = parcel.position() - start;
-    if (used != length)
-        parcel.fail(QStringLiteral("Bundle of length %1 has %2 bytes").arg(length).arg(used));
-    return bundle;
+    parcel.finish();
+    return entries;
+}
+
+} // namespace
+
+AndroidBundle AndroidBundle::read(AndroidParcel &parcel)
+{
+    const qint32 length = parcel.readInt32();
+    // any length below 0 is a null Bundle to Android
+    if (!parcel.ok() || length < 0)
+        return {};
+    // Android writes an empty Bundle as this one word
+    if (length == 0)
+        return {QJsonObject(), {}};
+    const qint32 magic = parcel.readInt32();
+    if (magic != Magic) {
+        parcel.fail(
+            QStringLiteral("Bundle's magic is 0x%1").arg(quint32(magic), 8, 16, QLatin1Char('0')));
+    }
+    AndroidParcel entries = parcel.readParcel(length);
+    if (!parcel.ok())
+        return {};
+    const QJsonObject content = readEntries(entries);
+    return {content, entries.error()};
 }

@@ -75,7 +75,9 @@ AndroidIntent AndroidIntent::read(AndroidParcel &parcel, int sdk)
     readAbsent(parcel, "a selector");
     readAbsent(parcel, "clip data");
     record.insert(QStringLiteral("contentUserHint"), parcel.readInt32());
-    record.insert(QStringLiteral("extras"), readAndroidBundle(parcel));
+    const AndroidBundle extras = AndroidBundle::read(parcel);
+    record.insert(QStringLiteral("extras"), extras.content);
+    intent.damage = extras.damage;
     if (intent.package.isNull())
         intent.package = componentPackage;
     return intent;

@@ -119,6 +119,12 @@ AndroidParcel::Binder AndroidParcel::readBinder()
     }
 }
 
+AndroidParcel AndroidParcel::readParcel(qint32 size)
+{
+    const char *bytes = size < 0 ? nullptr : take(size);
+    return AndroidParcel(bytes ? QByteArray(bytes, size) : QByteArray());
+}
+
 void AndroidParcel::fail(const QString &reason)
 {
     if (ok())

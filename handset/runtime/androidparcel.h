@@ -41,6 +41,8 @@ public:
     /// @return a null array for Android's null array.
     QByteArray readByteArray();
     Binder readBinder();
+    /// A parcel of the next bytes, which are skipped here; their number must fit.
+    AndroidParcel readParcel(qint32 size);
 
     /// Number of bytes read so far.
     qint64 position() const { return m_position; }

@@ -6,10 +6,14 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QSaveFile>
+#include <QSet>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
+
+constexpr int FirstApplicationUid = 10000; // android.os.Process
 
 /// The text of a key, null where the key is missing or JSON's null.
 QString text(const QJsonObject &json, const char *key)
@@ -61,6 +65,7 @@ AndroidApp AndroidApp::fromJson(const QJsonObject &json, const QString &iconFold
             return {};
         app.launchers.append(launcher);
     }
+    app.uid = json.value(QLatin1String("uid")).toInt();
     app.codeBytes = bytes(json, "codeBytes");
     app.dataBytes = bytes(json, "dataBytes");
     app.cacheBytes = bytes(json, "cacheBytes");
@@ -86,12 +91,16 @@ QJsonObject AndroidApp::toJson() const
         entries.append(entry);
     }
     return {{QStringLiteral("package"), package}, {QStringLiteral("version"), json(version)},
-        {QStringLiteral("launchers"), entries}, {QStringLiteral("codeBytes"), codeBytes},
-        {QStringLiteral("dataBytes"), dataBytes}, {QStringLiteral("cacheBytes"), cacheBytes},
+        {QStringLiteral("uid"), uid}, {QStringLiteral("launchers"), entries},
+        {QStringLiteral("codeBytes"), codeBytes}, {QStringLiteral("dataBytes"), dataBytes},
+        {QStringLiteral("cacheBytes"), cacheBytes},
         {QStringLiteral("powerSaveWhitelisted"), powerSaveWhitelisted}};
 }
 
-AppCatalogue::AppCatalogue(QString folder) : m_folder(std::move(folder)) { }
+AppCatalogue::AppCatalogue(QString folder)
+    : m_folder(std::move(folder)), m_firstNewUid(FirstApplicationUid)
+{
+}
 
 QStringList AppCatalogue::load()
 {
@@ -118,14 +127,28 @@ QStringList AppCatalogue::load()
         else
             problems.append(QStringLiteral("%1: %2").arg(info.filePath(), error));
     }
+    const QList<AndroidApp> found = m_apps.values();
+    for (const AndroidApp &app : found) {
+        if (app.uid == 0 && !add(app))
+            problems.append(QStringLiteral("%1: could not be written").arg(fileOf(app.package)));
+    }
     return problems;
 }
 
 int AppCatalogue::uid(const QString &package) const
 {
-    constexpr int firstApplicationUid = 10000; // android.os.Process
-    const int index = m_apps.keys().indexOf(package);
-    return index < 0 ? index : firstApplicationUid + index;
+    return contains(package) ? m_apps.value(package).uid : -1;
+}
+
+int AppCatalogue::newUid() const
+{
+    QSet<int> taken;
+    for (const AndroidApp &app : m_apps)
+        taken.insert(app.uid);
+    int uid = m_firstNewUid;
+    while (taken.contains(uid))
+        ++uid;
+    return uid;
 }
 
 void AppCatalogue::change(const QString &package, const std::function<void(AndroidApp &)> &change)
@@ -136,8 +159,13 @@ void AppCatalogue::change(const QString &package, const std::function<void(Andro
     add(m_apps.value(package));
 }
 
-bool AppCatalogue::add(const AndroidApp &app)
+bool AppCatalogue::add(AndroidApp app)
 {
+    const int known = m_apps.value(app.package).uid;
+    if (known != 0)
+        app.uid = known;
+    else if (app.uid == 0)
+        app.uid = newUid();
     m_apps.insert(app.package, app);
     QSaveFile file(fileOf(app.package));
     return QDir().mkpath(m_folder) && file.open(QIODevice::WriteOnly)
@@ -146,7 +174,7 @@ bool AppCatalogue::add(const AndroidApp &app)
 
 bool AppCatalogue::remove(const QString &package)
 {
-    m_apps.remove(package);
+    m_firstNewUid = std::max(m_firstNewUid, m_apps.take(package).uid + 1);
     const QString path = fileOf(package);
     return !QFile::exists(path) || QFile::remove(path);
 }

@@ -20,6 +20,7 @@ struct AndroidApp
     };
     QString package;
     QString version;
+    int uid = 0; ///< its Linux user; 0 while it has none
     QVector<Launcher> launchers;
     qint64 codeBytes = 0;
     qint64 dataBytes = 0; ///< with the cache
@@ -44,10 +45,11 @@ public:
     QList<AndroidApp> apps() const { return m_apps.values(); }
     bool contains(const QString &package) const { return m_apps.contains(package); }
     AndroidApp app(const QString &package) const { return m_apps.value(package); }
-    /// The app's Linux user, as Android counts them; -1 for an app that is not known.
+    /// The app's Linux user, which it keeps while it is installed; -1 for an app that is not
+    /// known.
     int uid(const QString &package) const;
     /// @return whether it is on the disk as well.
-    bool add(const AndroidApp &app);
+    bool add(AndroidApp app);
     bool remove(const QString &package);
     /// Changes an app that is known; of any other nothing is heard again.
     void change(const QString &package, const std::function<void(AndroidApp &)> &change);
@@ -55,6 +57,10 @@ public:
 private:
     QString fileOf(const QString &package) const;
 
+    /// Settings.newUserIdLPw: the first that is free, behind all that were given back.
+    int newUid() const;
+
     const QString m_folder;
+    int m_firstNewUid;
     QMap<QString, AndroidApp> m_apps;
 };

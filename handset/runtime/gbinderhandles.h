@@ -12,6 +12,7 @@ struct GBinderRelease
     void operator()(GBinderRemoteObject *object) const { gbinder_remote_object_unref(object); }
     void operator()(GBinderClient *client) const { gbinder_client_unref(client); }
     void operator()(GBinderLocalRequest *request) const { gbinder_local_request_unref(request); }
+    void operator()(GBinderRemoteRequest *request) const { gbinder_remote_request_unref(request); }
     void operator()(GBinderLocalReply *reply) const { gbinder_local_reply_unref(reply); }
     /// Dropped, so that a call under way finds nobody any more.
     void operator()(GBinderLocalObject *object) const { gbinder_local_object_drop(object); }

@@ -1,16 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "launchercalls.h"
 
+#include "androidparcelwriter.h"
+
 namespace {
 
 enum Code : quint32 { Added = 1, Complete = 2, Removed = 3 };
-
-void writeString(GBinderWriter *writer, const QString &text)
-{
-    static_assert(sizeof(gunichar2) == sizeof(ushort));
-    gbinder_writer_append_string16_utf16(
-        writer, text.isNull() ? nullptr : text.utf16(), text.size());
-}
 
 QJsonValue describe(const QString &text)
 {
@@ -27,15 +22,13 @@ QString LauncherCalls::interface()
 LauncherCall LauncherCalls::added(
     const AndroidApp &app, const AndroidApp::Launcher &launcher, bool oneway)
 {
-    const auto write = [app, launcher](GBinderWriter *writer) {
-        writeString(writer, app.package);
-        writeString(writer, launcher.className);
-        writeString(writer, launcher.caption);
-        writeString(writer, app.version);
-        gbinder_writer_append_byte_array(writer,
-            launcher.icon.isNull() ? nullptr : launcher.icon.constData(), launcher.icon.size());
-    };
-    return {Added, interface().toLatin1(), write, oneway, true,
+    AndroidParcelWriter arguments;
+    arguments.writeString16(app.package);
+    arguments.writeString16(launcher.className);
+    arguments.writeString16(launcher.caption);
+    arguments.writeString16(app.version);
+    arguments.writeByteArray(launcher.icon);
+    return {Added, interface(), arguments.bytes(), oneway, true,
         {{QStringLiteral("method"), QStringLiteral("added")},
             {QStringLiteral("package"), describe(app.package)},
             {QStringLiteral("class"), describe(launcher.className)},
@@ -46,26 +39,24 @@ LauncherCall LauncherCalls::added(
 
 LauncherCall LauncherCalls::complete(bool oneway)
 {
-    return {Complete, interface().toLatin1(), {}, oneway, true,
+    return {Complete, interface(), {}, oneway, true,
         {{QStringLiteral("method"), QStringLiteral("complete")}}};
 }
 
 LauncherCall LauncherCalls::removed(const QString &package, bool oneway)
 {
-    const auto write = [package](GBinderWriter *writer) { writeString(writer, package); };
-    return {Removed, interface().toLatin1(), write, oneway, true,
+    AndroidParcelWriter arguments;
+    arguments.writeString16(package);
+    return {Removed, interface(), arguments.bytes(), oneway, true,
         {{QStringLiteral("method"), QStringLiteral("removed")},
             {QStringLiteral("package"), describe(package)}}};
 }
 
 LauncherCall LauncherCalls::raw(
-    quint32 code, const QByteArray &interface, const QByteArray &data, bool oneway)
+    quint32 code, const QString &interface, const QByteArray &data, bool oneway)
 {
-    const auto write = [data](GBinderWriter *writer) {
-        gbinder_writer_append_bytes(writer, data.constData(), gsize(data.size()));
-    };
-    return {code, interface, write, oneway, false,
+    return {code, interface, data, oneway, false,
         {{QStringLiteral("method"), QStringLiteral("raw")},
-            {QStringLiteral("interface"), QString::fromLatin1(interface)},
+            {QStringLiteral("interface"), interface},
             {QStringLiteral("data"), QString::fromLatin1(data.toHex())}}};
 }

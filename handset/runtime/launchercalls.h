@@ -17,6 +17,6 @@ LauncherCall complete(bool oneway);
 /// A package was removed. A null name goes out as Android's null.
 LauncherCall removed(const QString &package, bool oneway);
 /// Any code with any bytes behind the header of any interface.
-LauncherCall raw(quint32 code, const QByteArray &interface, const QByteArray &data, bool oneway);
+LauncherCall raw(quint32 code, const QString &interface, const QByteArray &data, bool oneway);
 
 } // namespace LauncherCalls

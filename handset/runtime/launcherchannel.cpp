@@ -2,8 +2,9 @@
 #include "launcherchannel.h"
 
 #include "eventlog.h"
+#include "requestheader.h"
 
-LauncherChannel::LauncherChannel(EventLog *log) : m_log(log) { }
+LauncherChannel::LauncherChannel(EventLog *log, int sdk) : m_log(log), m_sdk(sdk) { }
 
 LauncherChannel::~LauncherChannel()
 {
@@ -42,17 +43,17 @@ void LauncherChannel::next()
 bool LauncherChannel::start()
 {
     const LauncherCall &call = m_current.call;
-    m_client.reset(m_remote ? gbinder_client_new(m_remote.get(),
-                       call.interface.isEmpty() ? nullptr : call.interface.constData())
-                            : nullptr);
+    // the header is Android's own, which libgbinder would write otherwise at level 29
+    m_client.reset(m_remote ? gbinder_client_new(m_remote.get(), nullptr) : nullptr);
     if (!m_client)
         return false;
     const LocalRequestPointer request(gbinder_client_new_request(m_client.get()));
-    if (call.write) {
-        GBinderWriter writer;
-        gbinder_local_request_init_writer(request.get(), &writer);
-        call.write(&writer);
-    }
+    const QByteArray header =
+        call.interface.isEmpty() ? QByteArray() : RequestHeader::toParcel(m_sdk, call.interface);
+    const QByteArray bytes = header + call.arguments;
+    GBinderWriter writer;
+    gbinder_local_request_init_writer(request.get(), &writer);
+    gbinder_writer_append_bytes(&writer, bytes.constData(), gsize(bytes.size()));
     m_transaction =
         gbinder_client_transact(m_client.get(), call.code, call.oneway ? GBINDER_TX_FLAG_ONEWAY : 0,
             request.get(), &LauncherChannel::onReply, nullptr, this);

@@ -15,8 +15,8 @@ class EventLog;
 struct LauncherCall
 {
     quint32 code = 0;
-    QByteArray interface; ///< empty sends no header at all
-    std::function<void(GBinderWriter *)> write; ///< the arguments; none for none
+    QString interface; ///< empty sends no header at all
+    QByteArray arguments;
     bool oneway = false;
     bool mustSucceed = true; ///< a status that is not 0 is an error
     QJsonObject record; ///< what the event log says of it
@@ -33,7 +33,8 @@ public:
     /// Gets the record of the call with its "status", and "error" where it failed.
     using Done = std::function<void(const QJsonObject &)>;
 
-    explicit LauncherChannel(EventLog *log);
+    /// @param sdk 27 to 29; the layout of the requests.
+    LauncherChannel(EventLog *log, int sdk);
     ~LauncherChannel() override;
 
     /// Looks the service up. @return whether it is there.
@@ -60,6 +61,7 @@ private:
     void finish(int status, const QString &error, const QByteArray &result);
 
     EventLog *const m_log;
+    const int m_sdk;
     RemoteObjectPointer m_remote;
     ClientPointer m_client;
     QQueue<Entry> m_queue;

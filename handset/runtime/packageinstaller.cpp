@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "packageinstaller.h"
 
+#include "androidparcelwriter.h"
 #include "eventlog.h"
 #include "launchercalls.h"
 #include "launcherchannel.h"
+#include "requestheader.h"
 #include "windowlist.h"
 
 #include <QFile>
@@ -13,50 +15,23 @@
 
 namespace {
 
-/// Where Android's /data lies on the host.
-QString hostPath(const QString &path)
-{
-    return QStringLiteral("/home/.android") + path;
-}
-
 // android.content.pm.PackageManager
 enum ReturnCode : qint32 {
-    Succeeded = 1,
+    DeleteSucceeded = 1,
     DeleteFailedInternalError = -1,
+    InstallFailedInvalidApk = -2,
     InstallFailedInvalidUri = -3,
     InstallParseFailedNotApk = -100,
     InstallParseFailedBadPackageName = -106
 };
 
-// The transactions of the two observers, numbered from 1 in the order of their interfaces.
-constexpr char InstallObserver[] = "android.content.pm.IPackageInstallObserver2";
+// From Android 9 on a session installs, which has more to say than the method that takes a path.
+constexpr int FirstSdkWithSessions = 28;
+
+// The transactions of the observers, numbered from 1 in the order of their interfaces.
 constexpr quint32 OnPackageInstalled = 2;
-constexpr char DeleteObserver[] = "android.content.pm.IPackageDeleteObserver";
 constexpr quint32 PackageDeleted = 1;
-
-void writeString(GBinderWriter *writer, const QString &text)
-{
-    gbinder_writer_append_string16_utf16(
-        writer, text.isNull() ? nullptr : text.utf16(), text.size());
-}
-
-/// The Bundle that comes with a success: whether an older version was replaced.
-void writeExtras(GBinderWriter *writer, bool replaced)
-{
-    constexpr qint32 bundleMagic = 0x4C444E42; // android.os.BaseBundle
-    constexpr qint32 booleanValue = 9; // android.os.Parcel
-    gbinder_writer_append_int32(writer, 1);
-    const gsize lengthPosition = gbinder_writer_bytes_written(writer);
-    gbinder_writer_append_int32(writer, 0);
-    gbinder_writer_append_int32(writer, bundleMagic);
-    const gsize start = gbinder_writer_bytes_written(writer);
-    gbinder_writer_append_int32(writer, 1);
-    writeString(writer, QStringLiteral("android.intent.extra.REPLACING"));
-    gbinder_writer_append_int32(writer, booleanValue);
-    gbinder_writer_append_int32(writer, replaced ? 1 : 0);
-    gbinder_writer_overwrite_int32(
-        writer, lengthPosition, gint32(gbinder_writer_bytes_written(writer) - start));
-}
+constexpr quint32 OnRemoveCompleted = 1;
 
 QJsonValue describe(const QString &text)
 {
@@ -65,105 +40,134 @@ QJsonValue describe(const QString &text)
 
 } // namespace
 
-struct PackageInstaller::Result
-{
-    qint32 returnCode = Succeeded;
-    QString package;
-    QString message;
-};
-
-PackageInstaller::PackageInstaller(const Environment &environment, int delay)
-    : m_environment(environment), m_delay(delay)
+PackageInstaller::PackageInstaller(const Environment &environment, const Delays &delays)
+    : m_environment(environment), m_delays(delays)
 {
 }
 
 void PackageInstaller::install(const QString &path, const Observer &observer)
 {
-    QTimer::singleShot(m_delay, this, [this, path, observer] { carryOutInstall(path, observer); });
+    QTimer::singleShot(
+        m_delays.install, this, [this, path, observer] { carryOutInstall(path, observer); });
 }
 
 void PackageInstaller::remove(const QString &package, const Observer &observer)
 {
     QTimer::singleShot(
-        m_delay, this, [this, package, observer] { carryOutRemove(package, observer); });
+        m_delays.install, this, [this, package, observer] { carryOutRemove(package, observer); });
 }
 
-PackageInstaller::Result PackageInstaller::readApk(const QString &path, AndroidApp *app) const
+void PackageInstaller::clearCache(const QString &package, const Observer &observer)
 {
-    QFile file(hostPath(path));
+    clear(package, true, observer);
+}
+
+void PackageInstaller::clearData(const QString &package, const Observer &observer)
+{
+    clear(package, false, observer);
+}
+
+InstallResult PackageInstaller::readApk(const QString &path, AndroidApp *app) const
+{
+    const QFileInfo info(m_environment.dataRoot + path);
+    QFile file(info.filePath());
+    const bool sessions = m_environment.sdk >= FirstSdkWithSessions;
+    // DefaultContainerService.getMinimalPackageInfo knows these two failures, and no words
+    if (!sessions && !info.exists())
+        return InstallResult::failure(InstallFailedInvalidUri);
+    const auto failure = [sessions](qint32 code, const QString &message) {
+        return sessions ? InstallResult::failure(code, message)
+                        : InstallResult::failure(InstallFailedInvalidApk);
+    };
     // Android's installer is not root
     if (!file.permissions().testFlag(QFileDevice::ReadOther) || !file.open(QIODevice::ReadOnly))
-        return {InstallFailedInvalidUri, {}, QStringLiteral("Failed to open %1").arg(path)};
+        return failure(InstallFailedInvalidUri, QStringLiteral("Failed to open %1").arg(path));
     const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
     if (!document.isObject())
-        return {InstallParseFailedNotApk, {}, QStringLiteral("Failed to parse %1").arg(path)};
+        return failure(InstallParseFailedNotApk, QStringLiteral("Failed to parse %1").arg(path));
     const QJsonObject json = document.object();
     QString error;
-    *app = AndroidApp::fromJson(json, QFileInfo(file).path(), &error);
+    *app = AndroidApp::fromJson(json, info.path(), &error);
     if (!error.isEmpty())
-        return {InstallParseFailedBadPackageName, {}, error};
+        return failure(InstallParseFailedBadPackageName, error);
     if (app->codeBytes == 0)
         app->codeBytes = file.size();
-    return {json.value(QLatin1String("fail")).toInt(Succeeded), app->package,
-        json.value(QLatin1String("message")).toVariant().toString()};
+    return InstallResult::fromApk(app->package, json);
 }
 
 void PackageInstaller::carryOutInstall(const QString &path, const Observer &observer)
 {
     AndroidApp app;
-    const Result result = readApk(path, &app);
-    const bool succeeded = result.returnCode == Succeeded;
-    const bool replaced = m_environment.apps->contains(app.package);
+    InstallResult result = readApk(path, &app);
+    result.replaced = m_environment.apps->contains(app.package);
     QJsonObject record{{QStringLiteral("event"), QStringLiteral("install")},
         {QStringLiteral("path"), path}, {QStringLiteral("package"), describe(result.package)},
         {QStringLiteral("returnCode"), result.returnCode},
         {QStringLiteral("message"), describe(result.message)}};
-    if (replaced) {
+    if (result.replaced) {
         // the new version keeps what the old one had gathered
         const AndroidApp old = m_environment.apps->app(app.package);
         app.dataBytes = old.dataBytes;
         app.cacheBytes = old.cacheBytes;
         app.powerSaveWhitelisted = old.powerSaveWhitelisted;
     }
-    if (succeeded && !m_environment.apps->add(app))
+    if (result.succeeded() && !m_environment.apps->add(app))
         record.insert(QStringLiteral("error"), QStringLiteral("could not store the app"));
     QVector<LauncherCall> announcements;
-    if (succeeded) {
+    if (result.succeeded()) {
         for (const AndroidApp::Launcher &launcher : qAsConst(app.launchers))
             announcements.append(LauncherCalls::added(app, launcher, false));
     }
-    const auto write = [result, succeeded, replaced](GBinderWriter *writer) {
-        writeString(writer, result.package);
-        gbinder_writer_append_int32(writer, guint32(result.returnCode));
-        writeString(writer, result.message);
-        if (succeeded)
-            writeExtras(writer, replaced);
-        else
-            gbinder_writer_append_int32(writer, 0);
-    };
-    announce(announcements, [this, observer, write, record] {
-        tell(observer.get(), InstallObserver, OnPackageInstalled, write, record);
+    announce(announcements, [this, observer, result, record] {
+        tell(observer.get(), QStringLiteral("android.content.pm.IPackageInstallObserver2"),
+            OnPackageInstalled, result.toParcel(), record);
     });
 }
 
 void PackageInstaller::carryOutRemove(const QString &package, const Observer &observer)
 {
     const bool known = m_environment.apps->contains(package);
-    const qint32 returnCode = known ? Succeeded : DeleteFailedInternalError;
+    const qint32 returnCode = known ? DeleteSucceeded : DeleteFailedInternalError;
     QJsonObject record{{QStringLiteral("event"), QStringLiteral("delete")},
         {QStringLiteral("package"), describe(package)}, {QStringLiteral("returnCode"), returnCode}};
     if (known && !m_environment.apps->remove(package))
         record.insert(QStringLiteral("error"), QStringLiteral("could not drop the app's file"));
     m_environment.windows->close(package);
-    const auto write = [package, returnCode](GBinderWriter *writer) {
-        writeString(writer, package);
-        gbinder_writer_append_int32(writer, guint32(returnCode));
-    };
+    AndroidParcelWriter arguments;
+    arguments.writeString16(package);
+    arguments.writeInt32(returnCode);
     announce(known ? QVector<LauncherCall>{LauncherCalls::removed(package, false)}
                    : QVector<LauncherCall>(),
-        [this, observer, write, record] {
-            tell(observer.get(), DeleteObserver, PackageDeleted, write, record);
+        [this, observer, bytes = arguments.bytes(), record] {
+            tell(observer.get(), QStringLiteral("android.content.pm.IPackageDeleteObserver"),
+                PackageDeleted, bytes, record);
         });
+}
+
+void PackageInstaller::clear(const QString &package, bool cacheAlone, const Observer &observer)
+{
+    QTimer::singleShot(m_delays.clear, this,
+        [this, package, cacheAlone, observer] { carryOutClear(package, cacheAlone, observer); });
+}
+
+void PackageInstaller::carryOutClear(
+    const QString &package, bool cacheAlone, const Observer &observer)
+{
+    const bool known = m_environment.apps->contains(package);
+    m_environment.apps->change(package, [cacheAlone](AndroidApp &app) {
+        app.dataBytes = cacheAlone ? app.dataBytes - app.cacheBytes : 0;
+        app.cacheBytes = 0;
+    });
+    if (!cacheAlone)
+        m_environment.windows->close(package);
+    AndroidParcelWriter arguments;
+    arguments.writeString16(package);
+    arguments.writeInt32(known ? 1 : 0);
+    tell(observer.get(), QStringLiteral("android.content.pm.IPackageDataObserver"),
+        OnRemoveCompleted, arguments.bytes(),
+        {{QStringLiteral("event"), QStringLiteral("clear")},
+            {QStringLiteral("what"), cacheAlone ? QStringLiteral("cache") : QStringLiteral("data")},
+            {QStringLiteral("package"), describe(package)}, {QStringLiteral("succeeded"), known}});
 }
 
 void PackageInstaller::announce(
@@ -182,17 +186,18 @@ void PackageInstaller::announce(
     }
 }
 
-void PackageInstaller::tell(GBinderRemoteObject *observer, const char *interface, quint32 code,
-    const std::function<void(GBinderWriter *)> &write, QJsonObject record)
+void PackageInstaller::tell(GBinderRemoteObject *observer, const QString &interface, quint32 code,
+    const QByteArray &arguments, QJsonObject record)
 {
     record.insert(QStringLiteral("observed"), observer != nullptr);
     if (observer) {
-        const ClientPointer client(gbinder_client_new(observer, interface));
+        const QByteArray bytes = RequestHeader::toParcel(m_environment.sdk, interface) + arguments;
+        const ClientPointer client(gbinder_client_new(observer, nullptr));
         const LocalRequestPointer request(gbinder_client_new_request(client.get()));
         GBinderWriter writer;
         gbinder_local_request_init_writer(request.get(), &writer);
-        write(&writer);
-        // both interfaces are one-way: this waits for nobody
+        gbinder_writer_append_bytes(&writer, bytes.constData(), gsize(bytes.size()));
+        // all three interfaces are one-way: this waits for nobody
         const int status = gbinder_client_transact_sync_oneway(client.get(), code, request.get());
         record.insert(QStringLiteral("status"), status);
         if (status != GBINDER_STATUS_OK && !gbinder_remote_object_is_dead(observer))

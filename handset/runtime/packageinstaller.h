@@ -2,6 +2,7 @@
 #pragma once
 
 #include "appcatalogue.h"
+#include "installresult.h"
 #include "launcherchannel.h"
 
 #include <QObject>
@@ -12,8 +13,8 @@
 class EventLog;
 class WindowList;
 
-/// Installs and deletes apps, and tells observers how that went. Like Android's, it works
-/// after the request has been answered.
+/// Installs, deletes and clears apps, and tells observers how that went. Like Android's, it
+/// works after the request has been answered.
 class PackageInstaller : public QObject
 {
     Q_OBJECT
@@ -23,32 +24,45 @@ public:
 
     struct Environment
     {
+        int sdk;
+        QString dataRoot; ///< where Android's / begins for the paths of apks
         AppCatalogue *apps;
         WindowList *windows;
         LauncherChannel *launcher;
         EventLog *log;
     };
 
-    /// @param delay until a request is carried out, in milliseconds.
-    PackageInstaller(const Environment &environment, int delay);
+    /// Until a request is carried out, in milliseconds.
+    struct Delays
+    {
+        int install = 0; ///< and removal
+        int clear = 300;
+    };
+
+    PackageInstaller(const Environment &environment, const Delays &delays);
+    void setClearDelay(int milliseconds) { m_delays.clear = milliseconds; }
 
     /// @param path of the apk, as it is called inside Android.
     /// @param observer an IPackageInstallObserver2, or null.
     void install(const QString &path, const Observer &observer);
     /// @param observer an IPackageDeleteObserver, or null.
     void remove(const QString &package, const Observer &observer);
+    /// @param observer an IPackageDataObserver, or null.
+    void clearCache(const QString &package, const Observer &observer);
+    /// Ends the app, too.
+    void clearData(const QString &package, const Observer &observer);
 
 private:
-    struct Result;
-
-    Result readApk(const QString &path, AndroidApp *app) const;
+    InstallResult readApk(const QString &path, AndroidApp *app) const;
     void carryOutInstall(const QString &path, const Observer &observer);
     void carryOutRemove(const QString &package, const Observer &observer);
+    void clear(const QString &package, bool cacheAlone, const Observer &observer);
+    void carryOutClear(const QString &package, bool cacheAlone, const Observer &observer);
     /// Calls "alien.launcher", where it is registered, and then goes on.
     void announce(const QVector<LauncherCall> &calls, const std::function<void()> &done);
-    void tell(GBinderRemoteObject *observer, const char *interface, quint32 code,
-        const std::function<void(GBinderWriter *)> &write, QJsonObject record);
+    void tell(GBinderRemoteObject *observer, const QString &interface, quint32 code,
+        const QByteArray &arguments, QJsonObject record);
 
     const Environment m_environment;
-    const int m_delay;
+    Delays m_delays;
 };

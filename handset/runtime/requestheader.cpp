@@ -2,16 +2,20 @@
 #include "requestheader.h"
 
 #include "androidparcel.h"
+#include "androidparcelwriter.h"
 
 namespace {
 
-// STRICT_MODE_PENALTY_GATHER of Parcel.cpp in frameworks/native: what a native program that
-// follows no policy of its own sends
-constexpr qint32 NoPolicy = 0x40 << 16;
+constexpr int FirstSdkWithWorkSource = 29;
 
 // IPCThreadState::kUnsetWorkSource of frameworks/native, Android 10
 constexpr qint32 UnsetWorkSource = -1;
-constexpr int FirstSdkWithWorkSource = 29;
+
+// STRICT_MODE_PENALTY_GATHER of Parcel.cpp in frameworks/native; Android 10 moved it
+qint32 penaltyGather(int sdk)
+{
+    return sdk >= 29 ? qint32(1U << 31) : 0x40 << 16;
+}
 
 } // namespace
 
@@ -19,17 +23,20 @@ RequestHeader RequestHeader::read(AndroidParcel &parcel, int sdk, const QString 
 {
     RequestHeader header;
     header.strictMode = parcel.readInt32();
-    if (header.strictMode != NoPolicy) {
-        parcel.fail(QStringLiteral("strict mode word is 0x%1")
-                        .arg(quint32(header.strictMode), 8, 16, QLatin1Char('0')));
-    }
-    if (sdk >= FirstSdkWithWorkSource) {
-        const qint32 workSource = parcel.readInt32();
-        if (workSource != UnsetWorkSource)
-            parcel.fail(QStringLiteral("work source is %1").arg(workSource));
-    }
+    if (sdk >= FirstSdkWithWorkSource)
+        parcel.readInt32();
     header.interface = parcel.readString16();
     if (header.interface != expectedInterface)
         parcel.fail(QStringLiteral("interface is \"%1\"").arg(header.interface));
     return header;
+}
+
+QByteArray RequestHeader::toParcel(int sdk, const QString &interface)
+{
+    AndroidParcelWriter writer;
+    writer.writeInt32(penaltyGather(sdk));
+    if (sdk >= FirstSdkWithWorkSource)
+        writer.writeInt32(UnsetWorkSource);
+    writer.writeString16(interface);
+    return writer.bytes();
 }

@@ -38,6 +38,7 @@ RuntimeConfig RuntimeConfig::load()
     config.announceOneway = file.value(QStringLiteral("runtime/announceOneway")).toBool();
     config.installAnswer = number("installAnswer", config.installAnswer);
     config.installDelay = number("installDelay", config.installDelay);
+    config.clearDelay = number("clearDelay", config.clearDelay);
     config.windowPolls = number("windowPolls", config.windowPolls);
     return config;
 }

@@ -14,6 +14,7 @@ struct RuntimeConfig
     bool announceOneway = false;
     int installAnswer = 1;
     int installDelay = 0; ///< milliseconds
+    int clearDelay = 300; ///< milliseconds
     int windowPolls = 0;
 
     /// Reads /etc/alien-runtime.conf and /opt/alien/build.prop; what is not there has its

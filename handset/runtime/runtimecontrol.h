@@ -5,9 +5,12 @@
 
 #include <QObject>
 
+#include <functional>
+
 class AlienRuntime;
 
-/// The commands of the control socket; README.md tells of each.
+/// The commands of the control socket; README.md tells of each. What is not of the runtime
+/// as a whole goes on to the system server.
 class RuntimeControl : public QObject
 {
     Q_OBJECT
@@ -22,19 +25,14 @@ private:
     using Respond = ControlServer::Respond;
 
     void handle(const QJsonObject &request, const Respond &respond);
-    void announce(const QJsonObject &request, const Respond &respond);
-    void complete(const QJsonObject &request, const Respond &respond);
-    void remove(const QJsonObject &request, const Respond &respond);
-    void sendRaw(const QJsonObject &request, const Respond &respond);
     void status(const QJsonObject &request, const Respond &respond);
     void calls(const QJsonObject &request, const Respond &respond);
     void wait(const QJsonObject &request, const Respond &respond);
-    void apps(const QJsonObject &request, const Respond &respond);
-    void windows(const QJsonObject &request, const Respond &respond);
-    void timezone(const QJsonObject &request, const Respond &respond);
-    void failNext(const QJsonObject &request, const Respond &respond);
-    /// Answers with the records of the calls, once the last of them is done.
-    void send(const QVector<struct LauncherCall> &calls, const Respond &respond);
+    void crash(const QJsonObject &request, const Respond &respond);
+    void recover(const QJsonObject &request, const Respond &respond);
+    /// Answers once that holds, which a service's coming or going brings about.
+    void respondWhen(const std::function<bool()> &holds, const Respond &respond);
+    static QJsonObject statusRequest();
 
     AlienRuntime *const m_runtime;
     ControlServer m_server;

@@ -107,11 +107,16 @@ class Launch(AppScenario):
                           ("activity", START, "startActivity", start(settings)),
                           asked("com.android.settings"))
 
-    def test_extrasThatLumdCannotWriteMakeAnIntentThatAndroidRefuses(self):
+    def test_anIntentStartsAlthoughItsExtrasAreDamaged(self):
+        self.device.install(apps.MAPS)
         self.device.start_runtime()
-        self.bus("launchIntent", "ssssssa{sv}", "android.intent.action.VIEW", "", "", "", "", "",
-                 "1", "list", "as", "1", "x")
-        (call,) = self.started()
+        self.bus("launchIntent", "ssssssa{sv}", "android.intent.action.VIEW", "", "",
+                 apps.MAPS.package, "", "", "1", "list", "as", "1", "x")
+        # Nobody unpacks extras before the app does.
+        call, *questions = self.started()
         self.assertIn("error", call)
+        self.assertEqual(call["arguments"]["intent"]["extras"], {})
+        self.assert_calls(questions, asked(apps.MAPS.package))
+        self.assertEqual(self.device.runtime("windows")["windows"], [apps.MAPS.package])
         self.expected_errors = [call["error"]]
         self.expected_warnings = ['Unsupported write bundle type! QStringList']

@@ -25,9 +25,30 @@ class Management(AppScenario):
         self.install_with(codeBytes=big, dataBytes=700, cacheBytes=200)
         self.assertEqual(self.size(), f"(xxx) {big} 500 200")
         self.bus("deleteAppCacheFiles", "s", PACKAGE)
+        self.device.wait_event("clear", "what=cache", f"package={PACKAGE}")
         self.assertEqual(self.size(), f"(xxx) {big} 500 0")
         self.bus("clearAppUserData", "s", PACKAGE)
+        self.device.wait_event("clear", "what=data", f"package={PACKAGE}")
         self.assertEqual(self.size(), f"(xxx) {big} 0 0")
+
+    def test_theSizesLagBehindWhatIsCleared(self):
+        self.install_with(codeBytes=1, dataBytes=700, cacheBytes=200)
+        self.device.runtime("clear-delay", "20000")
+        self.bus("clearAppUserData", "s", PACKAGE)
+        self.assertEqual(self.size(), "(xxx) 1 500 200")
+
+    def test_anAppWhoseDataIsClearedLosesItsWindow(self):
+        self.install_with()
+        self.bus("launchApp", "s", PACKAGE)
+        self.bus("clearAppUserData", "s", PACKAGE)
+        self.device.wait_event("clear", "what=data", f"package={PACKAGE}")
+        self.assertEqual(self.device.runtime("windows")["windows"], [])
+
+    def test_theSizesOfAnUnknownAppAreTheFirstLettersOfAndroidsException(self):
+        self.device.start_runtime()
+        letters = [int.from_bytes(part.encode("utf-16-le"), "little")
+                   for part in ("andr", "oid.", "cont")]
+        self.assertEqual(self.size(), f"(xxx) {letters[0]} {letters[1]} {letters[2]}")
 
     def test_sizesThatAndroidRefusesAreMinusOne(self):
         self.install_with(codeBytes=1)

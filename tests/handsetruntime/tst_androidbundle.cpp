@@ -30,8 +30,12 @@ private Q_SLOTS:
     void valueIsRead();
     void nullAndEmptyBundleAreToldApart();
     void entriesAreReadInOrder();
-    void wrongBundleIsRefused_data();
-    void wrongBundleIsRefused();
+    void negativeLengthIsANullBundle();
+    void wrongHeadIsRefused_data();
+    void wrongHeadIsRefused();
+    void damagedEntriesAreSkipped_data();
+    void damagedEntriesAreSkipped();
+    void entriesBeforeTheDamageAreRead();
 };
 
 void TestAndroidBundle::valueIsRead_data()
@@ -61,18 +65,19 @@ void TestAndroidBundle::valueIsRead()
     QFETCH(QByteArray, entry);
     QFETCH(QJsonObject, value);
     AndroidParcel parcel(bundle(1, entry));
-    const QJsonValue read = readAndroidBundle(parcel);
+    const AndroidBundle read = AndroidBundle::read(parcel);
     parcel.finish();
     QCOMPARE(parcel.error(), QString());
-    QCOMPARE(read, QJsonValue(QJsonObject{{QStringLiteral("k"), value}}));
+    QCOMPARE(read.damage, QString());
+    QCOMPARE(read.content, QJsonValue(QJsonObject{{QStringLiteral("k"), value}}));
 }
 
 void TestAndroidBundle::nullAndEmptyBundleAreToldApart()
 {
     AndroidParcel parcel(word(-1) + word(0) + bundle(0, {}));
-    QCOMPARE(readAndroidBundle(parcel), QJsonValue());
-    QCOMPARE(readAndroidBundle(parcel), QJsonValue(QJsonObject()));
-    QCOMPARE(readAndroidBundle(parcel), QJsonValue(QJsonObject()));
+    QCOMPARE(AndroidBundle::read(parcel).content, QJsonValue());
+    QCOMPARE(AndroidBundle::read(parcel).content, QJsonValue(QJsonObject()));
+    QCOMPARE(AndroidBundle::read(parcel).content, QJsonValue(QJsonObject()));
     parcel.finish();
     QCOMPARE(parcel.error(), QString());
 }
@@ -83,34 +88,52 @@ void TestAndroidBundle::entriesAreReadInOrder()
                              string16(QStringLiteral("one")) + word(1) + word(1)
                                  + string16(QStringLiteral("two")) + word(9) + word(0))
         + word(5));
-    QCOMPARE(readAndroidBundle(parcel),
+    QCOMPARE(AndroidBundle::read(parcel).content,
         QJsonValue(QJsonObject{{QStringLiteral("one"), content("int", 1)},
             {QStringLiteral("two"), content("boolean", false)}}));
     QCOMPARE(parcel.readInt32(), 5);
 }
 
-void TestAndroidBundle::wrongBundleIsRefused_data()
+void TestAndroidBundle::negativeLengthIsANullBundle()
+{
+    AndroidParcel parcel(word(-2) + word(5));
+    QCOMPARE(AndroidBundle::read(parcel).content, QJsonValue());
+    QCOMPARE(parcel.readInt32(), 5);
+}
+
+void TestAndroidBundle::wrongHeadIsRefused_data()
 {
     QTest::addColumn<QByteArray>("data");
     QTest::addColumn<QString>("error");
-    const QByteArray one = entry(1, word(1));
-    QTest::newRow("negative length")
-        << word(-2) << QStringLiteral("Bundle of length -2 before offset 4 of 4");
     QTest::newRow("another magic")
         << (word(4) + word(0x4C444E43) + word(0)) << QStringLiteral("Bundle's magic is 0x4c444e43");
+    QTest::newRow("length of one word more")
+        << (word(24) + bundle(1, entry(1, word(1))).mid(4))
+        << QStringLiteral("24 bytes wanted before offset 8 of 28");
+}
+
+void TestAndroidBundle::wrongHeadIsRefused()
+{
+    QFETCH(QByteArray, data);
+    QFETCH(QString, error);
+    AndroidParcel parcel(data);
+    AndroidBundle::read(parcel);
+    QVERIFY2(parcel.error().startsWith(error), qPrintable(parcel.error()));
+}
+
+void TestAndroidBundle::damagedEntriesAreSkipped_data()
+{
+    QTest::addColumn<QByteArray>("data");
+    QTest::addColumn<QString>("damage");
+    const QByteArray one = entry(1, word(1));
     QTest::newRow("negative count") << bundle(-1, {}) << QStringLiteral("Bundle of -1 entries");
-    QTest::newRow("length of one word less")
-        << (word(16) + bundle(1, one).mid(4)) << QStringLiteral("Bundle of length 16 has 20 bytes");
-    QTest::newRow("placeholder for the length")
-        << (word(1) + bundle(1, one).mid(4)) << QStringLiteral("Bundle of length 1 has 20");
-    QTest::newRow("count too small")
-        << bundle(0, one) << QStringLiteral("Bundle of length 20 has 4 bytes");
+    QTest::newRow("count too small") << bundle(0, one) << QStringLiteral("16 bytes left unread");
     QTest::newRow("count too large")
-        << bundle(2, one) << QStringLiteral("4 bytes wanted before offset 28 of 28");
+        << bundle(2, one) << QStringLiteral("4 bytes wanted before offset 20 of 20");
     QTest::newRow("key without a value")
         << bundle(2, string16(QStringLiteral("j")) + one) << QStringLiteral("4 bytes wanted");
     QTest::newRow("unknown type") << bundle(1, entry(5, word(1)))
-                                  << QStringLiteral("value of type 5 before offset 24 of 28");
+                                  << QStringLiteral("value of type 5 before offset 16 of 20");
     QTest::newRow("boolean of 2") << bundle(1, entry(9, word(2))) << QStringLiteral("bool is 2");
     QTest::newRow("null key") << bundle(1, nullString() + word(1) + word(1))
                               << QStringLiteral("Bundle's key \"\" is null or not its first");
@@ -120,13 +143,25 @@ void TestAndroidBundle::wrongBundleIsRefused_data()
         << bundle(1, entry(14, word(-1))) << QStringLiteral("string array of length -1");
 }
 
-void TestAndroidBundle::wrongBundleIsRefused()
+void TestAndroidBundle::damagedEntriesAreSkipped()
 {
     QFETCH(QByteArray, data);
-    QFETCH(QString, error);
-    AndroidParcel parcel(data);
-    readAndroidBundle(parcel);
-    QVERIFY2(parcel.error().startsWith(error), qPrintable(parcel.error()));
+    QFETCH(QString, damage);
+    AndroidParcel parcel(data + word(5));
+    const AndroidBundle read = AndroidBundle::read(parcel);
+    QVERIFY2(read.damage.startsWith(damage), qPrintable(read.damage));
+    QCOMPARE(parcel.readInt32(), 5);
+    parcel.finish();
+    QCOMPARE(parcel.error(), QString());
+}
+
+void TestAndroidBundle::entriesBeforeTheDamageAreRead()
+{
+    AndroidParcel parcel(
+        bundle(2, entry(1, word(3)) + string16(QStringLiteral("j")) + word(5) + word(1)));
+    const AndroidBundle read = AndroidBundle::read(parcel);
+    QCOMPARE(read.content, QJsonValue(QJsonObject{{QStringLiteral("k"), content("int", 3)}}));
+    QVERIFY2(read.damage.startsWith(QLatin1String("value of type 5")), qPrintable(read.damage));
 }
 
 QTEST_APPLESS_MAIN(TestAndroidBundle)

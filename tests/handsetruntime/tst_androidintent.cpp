@@ -66,6 +66,7 @@ private Q_SLOTS:
     void whatIsNotThereIsNull();
     void itIsForItsPackageOrElseForItsComponents_data();
     void itIsForItsPackageOrElseForItsComponents();
+    void damagedExtrasDoNotStopIt();
     void wrongIntentIsRefused_data();
     void wrongIntentIsRefused();
 };
@@ -128,6 +129,18 @@ void TestAndroidIntent::itIsForItsPackageOrElseForItsComponents()
     AndroidParcel parcel(words.bytes(29));
     QCOMPARE(AndroidIntent::read(parcel, 29).package, isFor);
     QCOMPARE(parcel.error(), QString());
+}
+
+void TestAndroidIntent::damagedExtrasDoNotStopIt()
+{
+    Words words;
+    words.extras = bundle(1, string16(QStringLiteral("k")));
+    AndroidParcel parcel(words.bytes(29));
+    const AndroidIntent intent = AndroidIntent::read(parcel, 29);
+    parcel.finish();
+    QCOMPARE(parcel.error(), QString());
+    QCOMPARE(intent.damage, QStringLiteral("4 bytes wanted before offset 12 of 12"));
+    QCOMPARE(intent.package, QStringLiteral("p.one"));
 }
 
 void TestAndroidIntent::wrongIntentIsRefused_data()

@@ -34,6 +34,7 @@ private Q_SLOTS:
     void unreadBytesAreAFailure();
     void firstFailureIsKept();
     void objectMustBeOneThatTheDriverRecorded();
+    void parcelInsideIsReadByItself();
 };
 
 void TestAndroidParcel::valuesAreReadInOrder()
@@ -266,6 +267,19 @@ void TestAndroidParcel::objectMustBeOneThatTheDriverRecorded()
     QCOMPARE(notRecorded.readBinder().kind, AndroidParcel::Binder::Kind::Null);
     QCOMPARE(notRecorded.error(),
         QStringLiteral("object that the driver did not record before offset 28 of 28"));
+}
+
+void TestAndroidParcel::parcelInsideIsReadByItself()
+{
+    AndroidParcel parcel(bytes("0100000002000000"
+                               "03000000"));
+    AndroidParcel inside = parcel.readParcel(8);
+    QCOMPARE(parcel.readInt32(), 3);
+    QCOMPARE(inside.readInt32(), 1);
+    inside.finish();
+    QCOMPARE(inside.error(), QStringLiteral("4 bytes left unread before offset 4 of 8"));
+    parcel.readParcel(4);
+    QCOMPARE(parcel.error(), QStringLiteral("4 bytes wanted before offset 12 of 12"));
 }
 
 QTEST_APPLESS_MAIN(TestAndroidParcel)

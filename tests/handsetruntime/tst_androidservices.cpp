@@ -1,59 +1,18 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "androidintent.h"
-#include "appcatalogue.h"
-#include "eventlog.h"
-#include "services/activityservice.h"
-#include "services/alarmservice.h"
-#include "services/alienservice.h"
-#include "services/deviceidleservice.h"
-#include "services/packageservice.h"
-#include "services/storagestatsservice.h"
-#include "services/surfaceflingerservice.h"
-#include "windowlist.h"
+#include "androidparcel.h"
+#include "servicesofalevel.h"
 #include "wirebytes.h"
 
 #include <QtTest>
 
 #include <array>
 #include <functional>
-#include <memory>
 #include <vector>
 
 using namespace Wire;
 
 namespace {
-
-/// All services of one level. Nothing of what is read is carried out here, so that they need
-/// no binder device and no installer.
-class Services
-{
-public:
-    explicit Services(int sdk) : m_apps(QStringLiteral("/nonexistent")), m_windows(0)
-    {
-        m_services.push_back(std::make_unique<ActivityService>(sdk, &m_log, &m_apps, &m_windows));
-        m_services.push_back(std::make_unique<AlarmService>(sdk, &m_log));
-        m_services.push_back(std::make_unique<AlienService>(sdk, &m_log, nullptr, &m_windows, 1));
-        m_services.push_back(std::make_unique<DeviceIdleService>(sdk, &m_log, &m_apps));
-        m_services.push_back(std::make_unique<PackageService>(sdk, &m_log, &m_apps, nullptr));
-        m_services.push_back(std::make_unique<StorageStatsService>(sdk, &m_log, &m_apps));
-        m_services.push_back(std::make_unique<SurfaceFlingerService>(sdk, &m_log, &m_windows));
-    }
-
-    const AndroidService &service(const QString &name) const
-    {
-        for (const auto &service : m_services) {
-            if (service->name() == name)
-                return *service;
-        }
-        qFatal("no service %s", qPrintable(name));
-    }
-
-private:
-    EventLog m_log;
-    AppCatalogue m_apps;
-    WindowList m_windows;
-    std::vector<std::unique_ptr<AndroidService>> m_services;
-};
 
 QByteArray package()
 {

@@ -23,6 +23,9 @@ enum Code : quint32 {
 // does not know
 constexpr qint32 Refused = -1;
 
+// do_add_service of service_manager.c
+constexpr int LongestName = 127;
+
 // Android 9 gave services a priority for dumpsys; before that there was none
 constexpr int FirstSdkWithDumpPriority = 28;
 constexpr qint32 AnyDumpPriority = 0xf;
@@ -116,12 +119,13 @@ ServiceDirectory::Answer ServiceDirectory::getService(
     const QString name = parcel.readString16();
     parcel.finish();
     event.insert(QStringLiteral("service"), name);
-    const auto found = std::find_if(m_services.cbegin(), m_services.cend(),
-        [&name](const Service &service) { return service.name == name; });
-    event.insert(QStringLiteral("found"), found != m_services.cend());
-    if (found == m_services.cend())
+    const auto service = std::find_if(m_services.cbegin(), m_services.cend(),
+        [&name](const Service &known) { return known.name == name; });
+    const bool found = service != m_services.cend() && service->handle != DeadHandle;
+    event.insert(QStringLiteral("found"), found);
+    if (!found)
         return {0, int32Bytes(0), std::nullopt};
-    return {0, {}, found->handle};
+    return {0, {}, service->handle};
 }
 
 ServiceDirectory::Answer ServiceDirectory::addService(AndroidParcel &parcel, QJsonObject &event)
@@ -140,6 +144,8 @@ ServiceDirectory::Answer ServiceDirectory::addService(AndroidParcel &parcel, QJs
     event.insert(QStringLiteral("dumpPriority"), service.dumpPriority);
     if (parcel.ok() && service.name.isEmpty())
         parcel.fail(QStringLiteral("service without a name"));
+    if (parcel.ok() && service.name.size() > LongestName)
+        parcel.fail(QStringLiteral("name of %1 units").arg(service.name.size()));
     if (!parcel.ok())
         return {};
     add(service);
@@ -164,28 +170,27 @@ ServiceDirectory::Answer ServiceDirectory::listServices(
 
 void ServiceDirectory::add(const Service &service)
 {
-    // a name that is registered again goes to the newcomer; keep before release, for the
-    // two may be the same object
+    // keep before release, for the two may be the same object
     m_callbacks.keepHandle(service.handle);
-    const auto old = std::find_if(m_services.begin(), m_services.end(),
+    const auto known = std::find_if(m_services.begin(), m_services.end(),
         [&service](const Service &other) { return other.name == service.name; });
-    if (old != m_services.end()) {
-        const quint32 oldHandle = old->handle;
-        *old = service;
-        m_callbacks.releaseHandle(oldHandle);
-    } else {
-        m_services.append(service);
+    if (known == m_services.end()) {
+        m_services.prepend(service);
+        return;
     }
+    // a name that is known goes to the newcomer, with its place and priority
+    const quint32 oldHandle = std::exchange(known->handle, service.handle);
+    if (oldHandle != DeadHandle)
+        m_callbacks.releaseHandle(oldHandle);
 }
 
 void ServiceDirectory::handleDied(quint32 handle)
 {
-    const QVector<Service> services = std::exchange(m_services, {});
-    for (const Service &service : services) {
-        if (service.handle != handle) {
-            m_services.append(service);
+    for (Service &service : m_services) {
+        if (service.handle != handle)
             continue;
-        }
+        // svcinfo_death: the name stays
+        service.handle = DeadHandle;
         m_callbacks.releaseHandle(handle);
         m_callbacks.report({{QStringLiteral("event"), QStringLiteral("died")},
             {QStringLiteral("service"), service.name}});

@@ -43,14 +43,17 @@ public:
     ServiceDirectory(int sdk, Callbacks callbacks);
 
     Answer transact(const Request &request);
-    /// The process behind a handle is gone; its services go too.
+    /// The process behind a handle is gone. Its services are found no more; their names stay
+    /// in the list.
     void handleDied(quint32 handle);
 
 private:
+    static constexpr quint32 DeadHandle = 0; ///< the service manager's own, nobody else's
+
     struct Service
     {
         QString name;
-        quint32 handle = 0;
+        quint32 handle = DeadHandle;
         qint32 dumpPriority = 0;
     };
 
@@ -61,5 +64,5 @@ private:
 
     const int m_sdk;
     const Callbacks m_callbacks;
-    QVector<Service> m_services;
+    QVector<Service> m_services; ///< the newest first
 };

@@ -53,24 +53,24 @@ AndroidService::Call ActivityService::startActivity(AndroidParcel &request)
                 {QStringLiteral("resultWho"), describe(resultWho)},
                 {QStringLiteral("requestCode"), requestCode},
                 {QStringLiteral("startFlags"), startFlags}},
-        [this, package = intent.package](GBinderWriter *writer) {
+        [this, package = intent.package](AndroidReply &reply) {
             const bool found = resolves(package);
             if (found && !package.isEmpty())
                 m_windows->open(package);
-            writeNoException(writer);
-            gbinder_writer_append_int32(writer, guint32(found ? Started : IntentNotResolved));
-        }};
+            reply.writeNoException();
+            reply.writeInt32(found ? Started : IntentNotResolved);
+        },
+        intent.damage};
 }
 
 AndroidService::Call ActivityService::forceStopPackage(AndroidParcel &request)
 {
     const QString package = request.readString16();
     readUser(request);
-    return {
-        {{QStringLiteral("package"), describe(package)}}, [this, package](GBinderWriter *writer) {
-            m_windows->close(package);
-            writeNoException(writer);
-        }};
+    return {{{QStringLiteral("package"), describe(package)}}, [this, package](AndroidReply &reply) {
+                m_windows->close(package);
+                reply.writeNoException();
+            }};
 }
 
 bool ActivityService::resolves(const QString &package) const

@@ -22,7 +22,7 @@ AndroidService::Call AlienService::launchPackage(AndroidParcel &request)
 {
     const QString package = request.readString16();
     return {{{QStringLiteral("package"), describe(package)}},
-        [this, package](GBinderWriter *) { m_windows->open(package); }};
+        [this, package](AndroidReply &) { m_windows->open(package); }};
 }
 
 AndroidService::Call AlienService::installPackage(AndroidParcel &request)
@@ -32,9 +32,9 @@ AndroidService::Call AlienService::installPackage(AndroidParcel &request)
     const std::shared_ptr<GBinderRemoteObject> observer = object(binder);
     return {
         {{QStringLiteral("path"), describe(path)}, {QStringLiteral("observer"), describe(binder)}},
-        [this, path, observer](GBinderWriter *writer) {
+        [this, path, observer](AndroidReply &reply) {
             // this interface has no exceptions: the answer is the word alone
-            gbinder_writer_append_int32(writer, guint32(m_installAnswer));
+            reply.writeInt32(m_installAnswer);
             if (m_installAnswer != 0)
                 m_installer->install(path, observer);
         }};

@@ -15,6 +15,10 @@ public:
     AlienService(int sdk, EventLog *log, PackageInstaller *installer, WindowList *windows,
         int installAnswer);
 
+protected:
+    /// Its results have no exception's word in front either.
+    bool throwsExceptions() const override { return false; }
+
 private:
     Call launchPackage(AndroidParcel &request);
     Call installPackage(AndroidParcel &request);

@@ -9,7 +9,12 @@
 namespace {
 
 // status_t of system/core
+constexpr qint32 PermissionDenied = -1; // EPERM
 constexpr qint32 BadValue = -22; // EINVAL
+constexpr qint32 UnknownTransaction = -74; // EBADMSG
+
+// WRITE_EXCEPTION_STACK_TRACE_THRESHOLD_MS of android.os.Parcel
+constexpr qint64 StackTraceInterval = 1000;
 
 QByteArray requestData(GBinderRemoteRequest *request)
 {
@@ -83,11 +88,6 @@ void AndroidService::readUser(AndroidParcel &request)
         request.fail(QStringLiteral("user is %1").arg(user));
 }
 
-void AndroidService::writeNoException(GBinderWriter *writer)
-{
-    gbinder_writer_append_int32(writer, 0);
-}
-
 QJsonValue AndroidService::describe(const AndroidParcel::Binder &object)
 {
     switch (object.kind) {
@@ -116,56 +116,126 @@ GBinderLocalReply *AndroidService::onTransact(GBinderLocalObject *, GBinderRemot
 GBinderLocalReply *AndroidService::handle(
     GBinderRemoteRequest *request, quint32 code, bool oneway, int *status)
 {
-    const QByteArray data = requestData(request);
-    AndroidParcel parcel(data);
     m_request = request;
-    const RequestHeader header = RequestHeader::read(parcel, m_sdk, m_interface);
+    Reading reading = take(code, requestData(request), oneway);
+    m_request = nullptr;
+    reading.record.insert(QStringLiteral("pid"), gbinder_remote_request_sender_pid(request));
+    reading.record.insert(
+        QStringLiteral("uid"), qint64(gbinder_remote_request_sender_euid(request)));
+    const bool held = m_held.holding();
+    if (held)
+        reading.record.insert(QStringLiteral("held"), true);
+    m_log->record(reading.record);
+    if (held) {
+        hold(request, reading.answer);
+        return nullptr;
+    }
+    const Answer answer = reading.answer();
+    *status = answer.status;
+    return reply(answer);
+}
+
+AndroidService::Reading AndroidService::take(quint32 code, const QByteArray &data, bool oneway)
+{
+    AndroidParcel parcel(data);
+    RequestHeader header;
+    // Java's services look at the interface only under a code that they know
+    const bool known = m_methods.contains(code);
+    if (known)
+        header = RequestHeader::read(parcel, m_sdk, m_interface);
     QString method;
     const Call call = read(code, parcel, &method);
-    m_request = nullptr;
     if (oneway)
         parcel.fail(QStringLiteral("a two-way method was called one-way"));
 
-    QJsonObject event{{QStringLiteral("event"), QStringLiteral("call")},
+    Reading reading;
+    reading.record = {{QStringLiteral("event"), QStringLiteral("call")},
         {QStringLiteral("service"), m_name}, {QStringLiteral("code"), qint64(code)},
         {QStringLiteral("method"), method}, {QStringLiteral("arguments"), call.arguments},
-        {QStringLiteral("strictMode"), header.strictMode}, {QStringLiteral("oneway"), oneway},
-        {QStringLiteral("pid"), gbinder_remote_request_sender_pid(request)},
-        {QStringLiteral("uid"), qint64(gbinder_remote_request_sender_euid(request))}};
-    GBinderLocalReply *reply = nullptr;
-    if (parcel.ok()) {
-        reply = gbinder_local_object_new_reply(m_object.get());
-        GBinderWriter writer;
-        gbinder_local_reply_init_writer(reply, &writer);
-        *status = answer(call, &writer, &event);
-    } else {
-        *status = BadValue;
-        event.insert(QStringLiteral("error"), parcel.error());
-        event.insert(QStringLiteral("data"), QString::fromLatin1(data.toHex()));
+        {QStringLiteral("strictMode"), header.strictMode}, {QStringLiteral("oneway"), oneway}};
+    if (parcel.ok())
+        reading.answer = answer(call, &reading.record);
+    else if (!known)
+        reading.answer = [] { return Answer{UnknownTransaction, {}}; };
+    else if (header.interface != m_interface)
+        reading.answer = [this] { return wrongInterface(); };
+    else
+        reading.answer = [] { return Answer{BadValue, {}}; };
+    const QString error = parcel.ok() ? call.damage : parcel.error();
+    if (!error.isEmpty()) {
+        reading.record.insert(QStringLiteral("error"), error);
+        reading.record.insert(QStringLiteral("data"), QString::fromLatin1(data.toHex()));
     }
-    m_log->record(event);
-    if (*status != 0)
-        LocalReplyPointer(std::exchange(reply, nullptr));
-    return reply;
+    return reading;
 }
 
-int AndroidService::answer(const Call &call, GBinderWriter *writer, QJsonObject *event)
+std::function<AndroidService::Answer()> AndroidService::answer(
+    const Call &call, QJsonObject *record)
 {
     const std::optional<Failure> failure = std::exchange(m_failure, std::nullopt);
-    if (!failure) {
-        if (call.carryOut)
-            call.carryOut(writer);
-        return 0;
-    }
-    event->insert(QStringLiteral("failed"),
+    if (!failure)
+        return [this, call] { return answer(call.carryOut); };
+    record->insert(QStringLiteral("failed"),
         QJsonObject{{QStringLiteral("status"), failure->status},
             {QStringLiteral("exception"), failure->exception}});
     if (failure->status != 0)
-        return failure->status;
-    gbinder_writer_append_int32(writer, guint32(failure->exception));
-    gbinder_writer_append_string16(writer, "made to fail");
-    // Android 9 sends the size of a stack trace behind the message
-    if (m_sdk >= 28)
-        gbinder_writer_append_int32(writer, 0);
-    return 0;
+        return [failure] { return Answer{failure->status, {}}; };
+    return [this, failure] {
+        return answer([&failure](AndroidReply &reply) {
+            reply.writeException(
+                AndroidException::of(failure->exception, QStringLiteral("made to fail")));
+        });
+    };
+}
+
+AndroidService::Answer AndroidService::answer(const std::function<void(AndroidReply &)> &write)
+{
+    AndroidReply reply(m_sdk, stackTrace());
+    if (write)
+        write(reply);
+    if (reply.threw() && !stackTrace().isNull())
+        m_sinceStackTrace.start();
+    return {0, reply.bytes()};
+}
+
+AndroidService::Answer AndroidService::wrongInterface()
+{
+    if (!throwsExceptions())
+        return {PermissionDenied, {}};
+    return answer([](AndroidReply &reply) {
+        reply.writeException(AndroidException::of(AndroidException::Security,
+            QStringLiteral("Binder invocation to an incorrect interface")));
+    });
+}
+
+QString AndroidService::stackTrace() const
+{
+    // the system server sends one a second at most
+    if (m_sinceStackTrace.isValid() && !m_sinceStackTrace.hasExpired(StackTraceInterval))
+        return {};
+    return QStringLiteral("\tat %1$Stub.onTransact(Unknown Source:0)\n").arg(m_interface);
+}
+
+GBinderLocalReply *AndroidService::reply(const Answer &answer) const
+{
+    if (answer.status != 0)
+        return nullptr;
+    GBinderLocalReply *reply = gbinder_local_object_new_reply(m_object.get());
+    GBinderWriter writer;
+    gbinder_local_reply_init_writer(reply, &writer);
+    gbinder_writer_append_bytes(&writer, answer.data.constData(), gsize(answer.data.size()));
+    return reply;
+}
+
+void AndroidService::hold(GBinderRemoteRequest *request, const std::function<Answer()> &answer)
+{
+    // only the thread that received it waits; libgbinder starts another one
+    gbinder_remote_request_block(request);
+    const std::shared_ptr<GBinderRemoteRequest> held(
+        gbinder_remote_request_ref(request), GBinderRelease());
+    m_held.add([this, held, answer] {
+        const Answer result = answer();
+        const LocalReplyPointer toSend(reply(result));
+        gbinder_remote_request_complete(held.get(), toSend.get(), result.status);
+    });
 }

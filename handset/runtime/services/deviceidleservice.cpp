@@ -20,19 +20,18 @@ AndroidService::Call DeviceIdleService::setWhitelisted(AndroidParcel &request, b
 {
     const QString package = request.readString16();
     return {{{QStringLiteral("package"), describe(package)}},
-        [this, package, whitelisted](GBinderWriter *writer) {
+        [this, package, whitelisted](AndroidReply &reply) {
             m_apps->change(package,
                 [whitelisted](AndroidApp &app) { app.powerSaveWhitelisted = whitelisted; });
-            writeNoException(writer);
+            reply.writeNoException();
         }};
 }
 
 AndroidService::Call DeviceIdleService::isWhitelisted(AndroidParcel &request)
 {
     const QString package = request.readString16();
-    return {
-        {{QStringLiteral("package"), describe(package)}}, [this, package](GBinderWriter *writer) {
-            writeNoException(writer);
-            gbinder_writer_append_int32(writer, m_apps->app(package).powerSaveWhitelisted ? 1 : 0);
-        }};
+    return {{{QStringLiteral("package"), describe(package)}}, [this, package](AndroidReply &reply) {
+                reply.writeNoException();
+                reply.writeInt32(m_apps->app(package).powerSaveWhitelisted ? 1 : 0);
+            }};
 }

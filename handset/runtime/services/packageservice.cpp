@@ -36,8 +36,8 @@ AndroidService::Call PackageService::installPackage(AndroidParcel &request)
     return {
         {{QStringLiteral("path"), describe(path)}, {QStringLiteral("observer"), describe(binder)},
             {QStringLiteral("flags"), flags}, {QStringLiteral("installer"), describe(installer)}},
-        [this, path, observer](GBinderWriter *writer) {
-            writeNoException(writer);
+        [this, path, observer](AndroidReply &reply) {
+            reply.writeNoException();
             m_installer->install(path, observer);
         }};
 }
@@ -52,8 +52,8 @@ AndroidService::Call PackageService::deletePackage(AndroidParcel &request)
     const qint32 flags = request.readInt32();
     return {{{QStringLiteral("package"), describe(package)}, {QStringLiteral("version"), version},
                 {QStringLiteral("observer"), describe(binder)}, {QStringLiteral("flags"), flags}},
-        [this, package, observer](GBinderWriter *writer) {
-            writeNoException(writer);
+        [this, package, observer](AndroidReply &reply) {
+            reply.writeNoException();
             m_installer->remove(package, observer);
         }};
 }
@@ -62,31 +62,27 @@ AndroidService::Call PackageService::deleteApplicationCacheFiles(AndroidParcel &
 {
     const QString package = request.readString16();
     readUser(request);
-    const AndroidParcel::Binder observer = request.readBinder();
+    const AndroidParcel::Binder binder = request.readBinder();
+    const std::shared_ptr<GBinderRemoteObject> observer = object(binder);
     return {{{QStringLiteral("package"), describe(package)},
-                {QStringLiteral("observer"), describe(observer)}},
-        [this, package](GBinderWriter *writer) {
-            writeNoException(writer);
-            m_apps->change(package, [](AndroidApp &app) {
-                app.dataBytes -= app.cacheBytes;
-                app.cacheBytes = 0;
-            });
+                {QStringLiteral("observer"), describe(binder)}},
+        [this, package, observer](AndroidReply &reply) {
+            reply.writeNoException();
+            m_installer->clearCache(package, observer);
         }};
 }
 
 AndroidService::Call PackageService::clearApplicationUserData(AndroidParcel &request)
 {
     const QString package = request.readString16();
-    const AndroidParcel::Binder observer = request.readBinder();
+    const AndroidParcel::Binder binder = request.readBinder();
+    const std::shared_ptr<GBinderRemoteObject> observer = object(binder);
     readUser(request);
     return {{{QStringLiteral("package"), describe(package)},
-                {QStringLiteral("observer"), describe(observer)}},
-        [this, package](GBinderWriter *writer) {
-            writeNoException(writer);
-            m_apps->change(package, [](AndroidApp &app) {
-                app.dataBytes = 0;
-                app.cacheBytes = 0;
-            });
+                {QStringLiteral("observer"), describe(binder)}},
+        [this, package, observer](AndroidReply &reply) {
+            reply.writeNoException();
+            m_installer->clearData(package, observer);
         }};
 }
 
@@ -96,8 +92,8 @@ AndroidService::Call PackageService::getPackageUid(AndroidParcel &request)
     const qint32 flags = request.readInt32();
     readUser(request);
     return {{{QStringLiteral("package"), describe(package)}, {QStringLiteral("flags"), flags}},
-        [this, package](GBinderWriter *writer) {
-            writeNoException(writer);
-            gbinder_writer_append_int32(writer, guint32(m_apps->uid(package)));
+        [this, package](AndroidReply &reply) {
+            reply.writeNoException();
+            reply.writeInt32(m_apps->uid(package));
         }};
 }

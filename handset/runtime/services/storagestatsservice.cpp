@@ -21,12 +21,18 @@ AndroidService::Call StorageStatsService::queryStatsForPackage(AndroidParcel &re
     return {{{QStringLiteral("volume"), describe(volume)},
                 {QStringLiteral("package"), describe(package)},
                 {QStringLiteral("callingPackage"), describe(callingPackage)}},
-        [this, package](GBinderWriter *writer) {
+        [this, package](AndroidReply &reply) {
+            if (!m_apps->contains(package)) {
+                reply.writeException(AndroidException::parcelable(
+                    QStringLiteral("android.content.pm.PackageManager$NameNotFoundException"),
+                    package));
+                return;
+            }
             const AndroidApp app = m_apps->app(package);
-            writeNoException(writer);
-            gbinder_writer_append_int32(writer, 1); // a result follows
-            gbinder_writer_append_int64(writer, quint64(app.codeBytes));
-            gbinder_writer_append_int64(writer, quint64(app.dataBytes));
-            gbinder_writer_append_int64(writer, quint64(app.cacheBytes));
+            reply.writeNoException();
+            reply.writeInt32(1); // a result follows
+            reply.writeInt64(app.codeBytes);
+            reply.writeInt64(app.dataBytes);
+            reply.writeInt64(app.cacheBytes);
         }};
 }

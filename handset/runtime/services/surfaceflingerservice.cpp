@@ -15,9 +15,8 @@ SurfaceFlingerService::SurfaceFlingerService(int sdk, EventLog *log, WindowList 
 AndroidService::Call SurfaceFlingerService::hasWindow(AndroidParcel &request)
 {
     const QString package = request.readString16();
-    return {
-        {{QStringLiteral("package"), describe(package)}}, [this, package](GBinderWriter *writer) {
-            // a native service: there is no exception's word in front
-            gbinder_writer_append_int32(writer, m_windows->poll(package) ? 1 : 0);
-        }};
+    return {{{QStringLiteral("package"), describe(package)}}, [this, package](AndroidReply &reply) {
+                // a native service: there is no exception's word in front
+                reply.writeInt32(m_windows->poll(package) ? 1 : 0);
+            }};
 }

@@ -12,6 +12,10 @@ class SurfaceFlingerService : public AndroidService
 public:
     SurfaceFlingerService(int sdk, EventLog *log, WindowList *windows);
 
+protected:
+    /// A native service: its failures are statuses.
+    bool throwsExceptions() const override { return false; }
+
 private:
     Call hasWindow(AndroidParcel &request);
 
