@@ -38,6 +38,7 @@ AlienBinderConnection::AlienBinderConnection(
 {
     m_timer.setSingleShot(true);
     m_timer.setInterval(onDemandLifetime);
+    m_timer.setTimerType(Qt::PreciseTimer); // not before a user's own deadline of the same length
     connect(ServiceController::instance(), &ServiceController::serviceStateChanged, this,
         &AlienBinderConnection::onServiceStateChanged);
     connect(&m_timer, &QTimer::timeout, this, &AlienBinderConnection::onTimeout);

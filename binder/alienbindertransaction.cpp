@@ -3,6 +3,15 @@
 
 #include "binder/logging.h"
 
+#include <utility>
+
+struct AlienBinderTransaction::Call
+{
+    AlienBinderTransaction *transaction; // null once the call has been given up
+    std::shared_ptr<void> held;
+    gulong id = 0;
+};
+
 AlienBinderTransaction::AlienBinderTransaction(
     GBinderClient *client, quint32 code, bool oneway, QObject *parent)
     : QObject(parent),
@@ -16,6 +25,7 @@ AlienBinderTransaction::AlienBinderTransaction(
 AlienBinderTransaction::~AlienBinderTransaction()
 {
     qCDebug(binderLog) << "Destroying transaction" << m_code;
+    cancel();
     m_request.reset();
     m_reply.reset();
 }
@@ -33,14 +43,60 @@ AlienBinderParcel *AlienBinderTransaction::inputParcel()
 qint32 AlienBinderTransaction::execute()
 {
     int status = -1;
-    if (!m_client || !m_request || m_reply)
+    if (!m_client || !m_request || m_reply || m_call)
         return status;
     if (m_oneway)
         return gbinder_client_transact_sync_oneway(m_client, m_code, m_request.get());
-    m_reply.reset(gbinder_client_transact_sync_reply(m_client, m_code, m_request.get(), &status));
+    keepReply(gbinder_client_transact_sync_reply(m_client, m_code, m_request.get(), &status));
+    return status;
+}
+
+bool AlienBinderTransaction::start(const std::shared_ptr<void> &heldUntilAnswered)
+{
+    if (!m_client || !m_request || m_reply || m_call)
+        return false;
+    auto call = std::make_unique<Call>(Call{this, heldUntilAnswered});
+    m_calledClient.reset(gbinder_client_ref(m_client));
+    call->id = gbinder_client_transact(
+        m_client, m_code, m_oneway ? GBINDER_TX_FLAG_ONEWAY : 0, m_request.get(),
+        &AlienBinderTransaction::onReply, [](gpointer done) { delete static_cast<Call *>(done); },
+        call.get());
+    if (!call->id) {
+        m_calledClient.reset();
+        return false;
+    }
+    m_call = call.release();
+    return true;
+}
+
+void AlienBinderTransaction::onReply(
+    GBinderClient *client, GBinderRemoteReply *reply, int status, void *call)
+{
+    Q_UNUSED(client)
+    AlienBinderTransaction *const self = static_cast<Call *>(call)->transaction;
+    if (!self)
+        return;
+    self->m_call = nullptr;
+    self->m_calledClient.reset();
+    if (!self->m_oneway)
+        self->keepReply(gbinder_remote_reply_ref(reply));
+    Q_EMIT self->finished(status);
+}
+
+void AlienBinderTransaction::keepReply(GBinderRemoteReply *reply)
+{
+    m_reply.reset(reply);
     if (!m_reply)
         qCDebug(binderLog) << "No reply available";
-    return status;
+}
+
+void AlienBinderTransaction::cancel()
+{
+    if (!m_call)
+        return;
+    m_call->transaction = nullptr;
+    gbinder_client_cancel(m_calledClient.get(), std::exchange(m_call, nullptr)->id);
+    m_calledClient.reset();
 }
 
 AlienBinderParcel *AlienBinderTransaction::outputParcel()
@@ -55,6 +111,11 @@ AlienBinderParcel *AlienBinderTransaction::outputParcel()
 
 void AlienBinderTransaction::onConnectionChanged(bool connected)
 {
-    if (!connected)
-        m_client = nullptr;
+    if (connected)
+        return;
+    m_client = nullptr;
+    if (!m_call)
+        return;
+    cancel();
+    Q_EMIT finished(-1);
 }

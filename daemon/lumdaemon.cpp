@@ -61,6 +61,7 @@ void LumDaemon::connectMembers()
         &LumDaemon::onPackageManagerAvailable);
     connect(&m_activityManager, &AlienBinderConnection::connectionChanged, this,
         &LumDaemon::onActivityManagerAvailable);
+    connect(&m_windowWait, &WindowWait::finished, this, &LumDaemon::launchQueuedIntents);
     connect(&m_packageManager, &AlienPackageManager::installationResultReceived, this,
         &LumDaemon::onNotifyInstallationResult);
     connect(&m_packageManager, &AlienPackageManager::uninstallationResultReceived, this,

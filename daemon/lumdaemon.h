@@ -11,6 +11,7 @@
 #include "daemon/datausage.h"
 #include "daemon/packagemod.h"
 #include "daemon/upgradenotices.h"
+#include "daemon/windowwait.h"
 #include "launcher/apkmanager.h"
 #include "launcher/desktopmanager.h"
 
@@ -37,6 +38,9 @@ public:
     /// Claims the bus name, and ends the process with the exit code 1 when it cannot.
     /// @p config is not owned and must outlive the daemon.
     explicit LumDaemon(ApkConfig *config);
+
+    /// Whether the runtime still owes an answer to a call that nobody waits for.
+    bool hasUnansweredCall() const;
 
 Q_SIGNALS:
     // Part of the bus interface. The first four are never emitted.
@@ -140,8 +144,9 @@ private:
     QList<PackageMod> m_deferredMods;
     QStringList m_deferredLaunches;
     QList<AlienIntent> m_intentQueue;
-    // Keeps an intent that arrives in a nested event loop from overtaking the one being launched.
+    // From the launch of an intent until its window is there: no other may overtake it.
     bool m_intentQueueBusy = false;
     DataUsage m_dataUsage;
     UpgradeNotices m_upgradeNotices{m_desktopManager};
+    WindowWait m_windowWait;
 };

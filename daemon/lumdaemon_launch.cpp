@@ -4,8 +4,8 @@
 
 #include "clients/alienservicemonitor.h"
 #include "config/apkconfig.h"
+#include "daemon/intentextras.h"
 #include "daemon/logging.h"
-#include "daemon/windowwait.h"
 
 namespace {
 
@@ -75,7 +75,7 @@ void LumDaemon::launchIntent(const QString &action, const QString &data, const Q
     }
     if (!category.isEmpty())
         intent.categories.append(category);
-    intent.extras = extras;
+    intent.extras = withoutDescriptors(extras);
     queueIntent(intent);
 }
 
@@ -109,18 +109,26 @@ void LumDaemon::queueIntent(const AlienIntent &intent)
 void LumDaemon::launchQueuedIntents()
 {
     m_intentQueueBusy = true;
-    while (!m_intentQueue.isEmpty()) {
+    // What is still queued when the service has gone waits for its return.
+    while (!m_intentQueue.isEmpty() && m_activityManager.client()) {
         const AlienIntent intent = m_intentQueue.takeFirst();
         qCDebug(daemonLog) << "Launching " << intent.action << intent.package;
         m_activityManager.startActivity(intent);
-        if (!intent.package.isEmpty())
-            waitForWindow(intent.package);
+        if (!intent.package.isEmpty()) {
+            m_windowWait.start(intent.package);
+            return; // until the wait has finished
+        }
     }
     m_intentQueueBusy = false;
 }
 
 void LumDaemon::onActivityManagerAvailable(bool connected)
 {
-    if (connected && !m_intentQueue.isEmpty())
+    if (connected && !m_intentQueue.isEmpty() && !m_intentQueueBusy)
         launchQueuedIntents();
+}
+
+bool LumDaemon::hasUnansweredCall() const
+{
+    return m_windowWait.hasUnansweredCall();
 }

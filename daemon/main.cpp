@@ -10,6 +10,8 @@
 #include <QTranslator>
 
 #include <cstdio>
+#include <cstdlib>
+#include <optional>
 
 #include <sys/prctl.h>
 #include <unistd.h>
@@ -79,6 +81,12 @@ int main(int argc, char *argv[])
     installLocale(locale);
 
     ApkConfig config;
-    LumDaemon daemon(&config);
-    return QCoreApplication::exec();
+    std::optional<LumDaemon> daemon(std::in_place, &config);
+    const int code = QCoreApplication::exec();
+    const bool isCallOut = daemon->hasUnansweredCall();
+    daemon.reset();
+    // libgbinder's own end waits for each call that is out, also for one that is never answered.
+    if (isCallOut)
+        std::_Exit(code);
+    return code;
 }

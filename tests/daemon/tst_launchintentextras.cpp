@@ -7,7 +7,11 @@
 #include <QDBusUnixFileDescriptor>
 #include <QDBusVariant>
 
+#include <QDir>
+
 #include <limits>
+
+#include <unistd.h>
 
 using FakeBinder::ParcelWriter;
 
@@ -26,6 +30,11 @@ template <typename Value> QVariant structure(const Value &value)
     return QVariant::fromValue(argument);
 }
 
+QDBusUnixFileDescriptor descriptor()
+{
+    return QDBusUnixFileDescriptor(STDERR_FILENO);
+}
+
 } // namespace
 
 class TestLaunchIntentExtras : public IntentTest
@@ -37,6 +46,12 @@ private Q_SLOTS:
     void extrasOfSupportedTypesAreWritten();
     void extrasOfOtherTypesLeaveAKeyWithoutAValue_data();
     void extrasOfOtherTypesLeaveAKeyWithoutAValue();
+    void descriptorsAreLeftOut();
+    void descriptorsAreNotKeptWhileTheIntentWaits();
+
+private:
+    /// How many files the daemon has open.
+    int openFiles() const;
 };
 
 void TestLaunchIntentExtras::extrasOfSupportedTypesAreWritten_data()
@@ -106,7 +121,6 @@ void TestLaunchIntentExtras::extrasOfOtherTypesLeaveAKeyWithoutAValue_data()
     row("q", QVariant::fromValue(quint16(1)), "ushort");
     row("o", QVariant::fromValue(QDBusObjectPath(QStringLiteral("/a"))), "QDBusObjectPath");
     row("g", QVariant::fromValue(QDBusSignature(QStringLiteral("a{sv}"))), "QDBusSignature");
-    row("h", QVariant::fromValue(QDBusUnixFileDescriptor(0)), "QDBusUnixFileDescriptor");
     row("v", QVariant::fromValue(QDBusVariant(1)), "QDBusVariant");
     row("as", QStringList{QStringLiteral("a")}, "QStringList");
     row("as, empty", QStringList(), "QStringList");
@@ -115,6 +129,8 @@ void TestLaunchIntentExtras::extrasOfOtherTypesLeaveAKeyWithoutAValue_data()
     row("av", QVariantList{1}, "QDBusArgument");
     row("(i)", structure(1), "QDBusArgument");
     row("a{sv}", QVariantMap{{QStringLiteral("a"), 1}}, "QDBusArgument");
+    row("(h)", structure(descriptor()), "QDBusArgument");
+    row("v of (h)", QVariant::fromValue(QDBusVariant(structure(descriptor()))), "QDBusVariant");
 }
 
 void TestLaunchIntentExtras::extrasOfOtherTypesLeaveAKeyWithoutAValue()
@@ -136,6 +152,70 @@ void TestLaunchIntentExtras::extrasOfOtherTypesLeaveAKeyWithoutAValue()
     QTRY_COMPARE(warnings(),
         QStringList{QStringLiteral("critical com.tovra.lumd.parcel Unsupported write bundle type! ")
             + type});
+}
+
+void TestLaunchIntentExtras::descriptorsAreLeftOut()
+{
+    IntentCall call;
+    const QVariant file = QVariant::fromValue(descriptor());
+    call.extras = {{QStringLiteral("a"), file},
+        {QStringLiteral("b"), QVariant::fromValue(QDBusVariant(file))},
+        {QStringLiteral("c"), true}};
+    QCOMPARE(launch(call), QString());
+    Intent intent;
+    constexpr qint32 booleanTag = 9;
+    intent.extras =
+        bundle(parcel().string16(QStringLiteral("c")).int32(booleanTag).boolean(true), 1);
+    QCOMPARE(takeBodies(), QVector<QByteArray>{startActivityBody(intent)});
+    call.extras = {{QStringLiteral("a"), file}};
+    QCOMPARE(launch(call), QString());
+    QCOMPARE(takeBodies(), QVector<QByteArray>{startActivityBody({})});
+    QCOMPARE(warnings(), QStringList());
+}
+
+int TestLaunchIntentExtras::openFiles() const
+{
+    return QDir(QStringLiteral("/proc/%1/fd").arg(m_world->daemon->processId()))
+        .entryList(QDir::System | QDir::AllEntries | QDir::NoDotAndDotDot)
+        .size();
+}
+
+void TestLaunchIntentExtras::descriptorsAreNotKeptWhileTheIntentWaits()
+{
+    m_world->renew();
+    QVERIFY(m_world->start());
+    IntentCall call;
+    const QVariant file = QVariant::fromValue(descriptor());
+    call.extras = {{QStringLiteral("h"), file},
+        {QStringLiteral("vh"), QVariant::fromValue(QDBusVariant(file))},
+        {QStringLiteral("(h)"), structure(descriptor())},
+        {QStringLiteral("a{sv}"), QVariantMap{{QStringLiteral("h"), file}}},
+        {QStringLiteral("v(h)"), QVariant::fromValue(QDBusVariant(structure(descriptor())))},
+        {QStringLiteral("z"), true}};
+    // The first notification connects to the user's bus.
+    QCOMPARE(launch(call), QString());
+    QVERIFY(DaemonFixture::settle());
+    const int before = openFiles();
+    constexpr int calls = 200;
+    for (int i = 0; i < calls; ++i)
+        QCOMPARE(launch(call), QString());
+    QVERIFY(DaemonFixture::settle());
+    QTRY_COMPARE(openFiles(), before);
+
+    m_world->android->registerService(QStringLiteral("activity"));
+    QVERIFY(m_world->see(QStringLiteral("active")));
+    QVERIFY(m_world->waitForLink(QStringLiteral("activity")));
+    Intent intent;
+    constexpr qint32 booleanTag = 9;
+    intent.extras = bundle(parcel()
+                               .string16(QStringLiteral("(h)"))
+                               .string16(QStringLiteral("a{sv}"))
+                               .string16(QStringLiteral("v(h)"))
+                               .string16(QStringLiteral("z"))
+                               .int32(booleanTag)
+                               .boolean(true),
+        4);
+    QCOMPARE(takeBodies(), QVector<QByteArray>(1 + calls, startActivityBody(intent)));
 }
 
 LUM_TEST_MAIN(TestLaunchIntentExtras)

@@ -1,11 +1,17 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "tests/daemon/appfixture.h"
+#include "daemon/windowwait.h"
+#include "runtime/servicecontroller.h"
+#include "tests/binder/runtimetest.h"
+#include "tests/daemon/leapingclock.h"
+#include "tests/support/fakegbinder/fakebinder.h"
 #include "tests/support/fakegbinder/parcelreader.h"
 #include "tests/support/fakegbinder/parcelwriter.h"
+#include "tests/support/logcapture.h"
 #include "tests/support/testmain.h"
 #include "tests/support/text.h"
 
-#include <mutex>
+#include <QElapsedTimer>
+#include <QSignalSpy>
 
 using FakeBinder::ParcelReader;
 using FakeBinder::ParcelWriter;
@@ -13,137 +19,102 @@ using FakeBinder::Reply;
 using FakeBinder::Request;
 using Replies = QVector<FakeBinder::Reply>;
 Q_DECLARE_METATYPE(Replies)
+Q_DECLARE_METATYPE(FakeBinder::Reply)
 
 namespace {
 
-const QString activity = QStringLiteral("activity");
 const QString surfaceFlinger = QStringLiteral("SurfaceFlinger");
-const QString launching = QStringLiteral("debug com.tovra.lumd.daemon Launching  \"a\" \"com.a\"");
-const QString halfASecond = QStringLiteral("sleep 500");
+const QString package = QStringLiteral("com.a");
+const QString notFound = QStringLiteral(
+    "debug com.tovra.lumd.daemon Window for \"com.a\" not yet found. Sleeping 500ms");
+constexpr quint32 hasWindowCode = 103;
+constexpr int longestWait = 5000;
 
 Reply answer(bool hasWindow)
 {
     return Reply::data(ParcelWriter().boolean(hasWindow).bytes());
 }
 
-QString notFound(const QString &package)
-{
-    return QStringLiteral(
-        "debug com.tovra.lumd.daemon Window for \"%1\" not yet found. Sleeping 500ms")
-        .arg(package);
-}
-
-/// The same lines several times.
-QStringList times(int count, const QStringList &lines)
-{
-    QStringList all;
-    for (int i = 0; i < count; ++i)
-        all += lines;
-    return all;
-}
-
 /// Answers with these, one call after the other, and with the last of them from then on.
 FakeBinder::Handler inTurn(const Replies &replies)
 {
-    struct State
-    {
-        std::mutex mutex;
-        int next = 0;
-    };
-    return [replies, state = std::make_shared<State>()](const Request &) {
-        const std::lock_guard<std::mutex> lock(state->mutex);
-        const Reply reply = replies.at(state->next);
-        state->next = qMin(state->next + 1, replies.size() - 1);
+    return [replies, next = std::make_shared<int>(0)](const Request &) {
+        const Reply reply = replies.at(*next);
+        *next = qMin(*next + 1, replies.size() - 1);
         return reply;
     };
 }
 
-QVariantList intent(const QString &action, const QString &package = {})
+/// The same line several times.
+QStringList times(int count, const QString &line)
 {
-    const QString none;
-    return {action, none, none, package, none, none, QVariantMap()};
+    QStringList lines;
+    for (int i = 0; i < count; ++i)
+        lines += line;
+    return lines;
 }
 
-QString launch(const QString &action, const QString &package = {})
+/// The milliseconds that a wait takes; -1 when it does not end.
+int measure(WindowWait &wait, const QString &name = package)
 {
-    return errorOf(DaemonFixture::call(QStringLiteral("launchIntent"), intent(action, package)));
+    QElapsedTimer timer;
+    QSignalSpy finished(&wait, &WindowWait::finished);
+    timer.start();
+    wait.start(name);
+    if (!finished.isEmpty() || !finished.wait(60000) || finished.size() != 1)
+        return -1;
+    return int(timer.elapsed());
 }
 
-/// "CODE STRING", the string being what a window is looked for, or an Intent's action.
-QString textOf(const Request &request)
+QStringList questions()
 {
-    ParcelReader reader(request.payload);
-    if (request.service == activity) {
-        reader.object();
-        reader.string16();
-        reader.int32();
-    }
-    return QStringLiteral("%1 %2").arg(request.code).arg(reader.string16());
+    QStringList packages;
+    for (const Request &request : FakeBinder::requests())
+        packages.append(ParcelReader(request.payload).string16());
+    return packages;
 }
 
-/// The ledger of the wait, without the numbers of handlers.
-QStringList ledgerOfTheWait(const QStringList &ledger)
+void turnFor(int milliseconds)
 {
-    QStringList lines = ledger.filter(
-        QRegularExpression(QStringLiteral("SurfaceFlinger|servicemanager_(new|unref)")));
-    return lines.replaceInStrings(
-        QRegularExpression(QStringLiteral("(_handler SurfaceFlinger) \\d+$")),
-        QStringLiteral("\\1"));
+    QEventLoop loop;
+    QTimer::singleShot(milliseconds, Qt::PreciseTimer, &loop, &QEventLoop::quit);
+    loop.exec();
 }
 
 } // namespace
 
-class TestWindowWait : public QObject
+class TestWindowWait : public RuntimeTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void cleanup();
+    void init();
 
     void attemptsGoOnUntilThereIsAWindow_data();
     void attemptsGoOnUntilThereIsAWindow();
     void unreachableServiceIsTriedTenTimes_data();
     void unreachableServiceIsTriedTenTimes();
-    void refusedIntentIsWaitedForAllTheSame();
     void eachWaitHasAConnectionOfItsOwn();
-    void nextIntentAndOtherCallsComeAfterTheWait();
-    void waitsLeaveNothingBehind();
+    void lateAnswerIsNotTakenForThatOfTheNextWait();
+    void serviceThatOwesFourAnswersIsNotAsked();
+    void linkThatGoesCountsAsANo_data();
+    void linkThatGoesCountsAsANo();
+    void linkIsNotTimedOutWithinAWait();
+    void destructionEndsAWait_data();
+    void destructionEndsAWait();
 
 private:
-    /// Starts the daemon without time in its sleeps, with a runtime that is up.
-    bool startTimeless(const FakeBinder::Handler &activityManager = {});
-    /// What the daemon did about launching, sleeps and all that went wrong.
-    QStringList lines() const;
-
-    std::unique_ptr<AppFixture> m_world;
+    std::optional<LeapingClock> m_clock;
 };
 
-void TestWindowWait::initTestCase()
+void TestWindowWait::init()
 {
-    m_world = std::make_unique<AppFixture>();
-}
-
-void TestWindowWait::cleanup()
-{
-    m_world->renew();
-}
-
-bool TestWindowWait::startTimeless(const FakeBinder::Handler &activityManager)
-{
-    m_world->android->registerService(activity, activityManager);
-    m_world->daemon->setEnvironment(QStringLiteral("LD_PRELOAD"), QStringLiteral(SHORT_WAITS_PATH));
-    m_world->daemon->setEnvironment(QStringLiteral("ASAN_OPTIONS"),
-        qEnvironmentVariable("ASAN_OPTIONS") + QStringLiteral(":verify_asan_link_order=0"));
-    return m_world->start() && m_world->see(QStringLiteral("active"))
-        && m_world->waitForLink(activity);
-}
-
-QStringList TestWindowWait::lines() const
-{
-    return m_world->daemon->lines().filter(QRegularExpression(
-        QStringLiteral("^(sleep|warning|critical|debug com\\.tovra\\.lumd\\.daemon (?!Launching "
-                       "intent))")));
+    m_unit->startOutAs(QStringLiteral("active"));
+    // Before the time stands still, since systemd is asked here.
+    ServiceController::instance();
+    m_clock.emplace();
+    FakeBinder::clearRequests();
+    FakeBinder::clearLedger();
 }
 
 void TestWindowWait::attemptsGoOnUntilThereIsAWindow_data()
@@ -151,23 +122,32 @@ void TestWindowWait::attemptsGoOnUntilThereIsAWindow_data()
     QTest::addColumn<Replies>("replies");
     QTest::addColumn<int>("attempts");
     QTest::addColumn<QStringList>("words");
+    QTest::addColumn<int>("duration");
+    const Reply yes = answer(true);
+    const Reply no = answer(false);
     const Reply failure = Reply::failure(-1);
-    const Reply empty = Reply::data({});
-    const QString missing = notFound(QStringLiteral("com.a"));
     const QString noParcel = QStringLiteral(
         "warning com.tovra.lumd.binder Cannot create output parcel. Returning empty");
-    QTest::newRow("at once") << Replies{answer(true), answer(false)} << 1 << QStringList();
-    QTest::newRow("later") << Replies{answer(false), answer(false), answer(true)} << 3
-                           << QStringList{missing, halfASecond, missing, halfASecond};
+    QTest::newRow("at once") << Replies{yes, no} << 1 << QStringList() << 0;
+    QTest::newRow("later") << Replies{no, no, yes} << 3 << times(2, notFound) << 1000;
     QTest::newRow("reply without data")
-        << Replies{empty, answer(true)} << 2 << QStringList{missing, halfASecond};
-    QTest::newRow("no reply") << Replies{Reply::none(), answer(true)} << 2
-                              << QStringList{noParcel, missing, halfASecond};
-    QTest::newRow("failed call") << Replies{failure, answer(true)} << 2 << QStringList{halfASecond};
-    QTest::newRow("after nine") << Replies(9, answer(false)) + Replies{answer(true)} << 10
-                                << times(9, {missing, halfASecond});
-    QTest::newRow("never") << Replies{answer(false)} << 10 << times(10, {missing, halfASecond});
-    QTest::newRow("failed calls alone") << Replies{failure} << 10 << times(10, {halfASecond});
+        << Replies{Reply::data({}), yes} << 2 << QStringList{notFound} << 500;
+    QTest::newRow("no reply") << Replies{Reply::none(), yes} << 2 << QStringList{noParcel, notFound}
+                              << 500;
+    QTest::newRow("failed call") << Replies{failure, yes} << 2 << QStringList() << 500;
+    QTest::newRow("after nine") << Replies(9, no) + Replies{yes} << 10 << times(9, notFound)
+                                << 4500;
+    QTest::newRow("never") << Replies{no} << 10 << times(10, notFound) << longestWait;
+    QTest::newRow("failed calls alone") << Replies{failure} << 10 << QStringList() << longestWait;
+    QTest::newRow("after a second")
+        << Replies{Reply::after(1000, yes)} << 1 << QStringList() << 1000;
+    QTest::newRow("never, a second for each no")
+        << Replies{Reply::after(1000, no)} << 4 << times(3, notFound) << longestWait;
+    QTest::newRow("yes, but too late")
+        << Replies{Reply::after(5001, yes)} << 1 << QStringList() << longestWait;
+    QTest::newRow("no answer") << Replies{Reply::never()} << 1 << QStringList() << longestWait;
+    QTest::newRow("no answer to the second question")
+        << Replies{no, Reply::never()} << 2 << QStringList{notFound} << longestWait;
 }
 
 void TestWindowWait::attemptsGoOnUntilThereIsAWindow()
@@ -175,19 +155,30 @@ void TestWindowWait::attemptsGoOnUntilThereIsAWindow()
     QFETCH(Replies, replies);
     QFETCH(int, attempts);
     QFETCH(QStringList, words);
-    m_world->android->registerService(surfaceFlinger, inTurn(replies));
-    QVERIFY(startTimeless());
-    QCOMPARE(launch(QStringLiteral("a"), QStringLiteral("com.a")), QString());
-    QTRY_COMPARE(lines(), QStringList{launching} + words);
-    const auto requests = m_world->requests(surfaceFlinger, hasWindowCode);
+    QFETCH(int, duration);
+    FakeBinder::registerService(surfaceFlinger, inTurn(replies));
+    WindowWait wait;
+    LogCapture log;
+    QCOMPARE(measure(wait), duration);
+    QCOMPARE(log.lines().filter(QRegularExpression(
+                 QStringLiteral("^(warning|critical|debug com\\.tovra\\.lumd\\.daemon)"))),
+        words);
+    const QVector<Request> requests = FakeBinder::requests();
     QCOMPARE(requests.size(), attempts);
     for (const Request &request : requests) {
+        QCOMPARE(request.code, hasWindowCode);
         QCOMPARE(request.interface, QStringLiteral("android.ui.ISurfaceComposer"));
         QCOMPARE(request.flags, 0U);
-        QCOMPARE(request.payload,
-            ParcelWriter(ParcelWriter::Style::Gbinder).string16(QStringLiteral("com.a")).bytes());
+        QCOMPARE(
+            request.payload, ParcelWriter(ParcelWriter::Style::Gbinder).string16(package).bytes());
     }
-    QCOMPARE(m_world->android->errors(), QStringList());
+    // Nothing of the wait goes on after its end, and what was left unanswered ends with this.
+    FakeBinder::killService(surfaceFlinger);
+    log.clear();
+    turnFor(20000);
+    QCOMPARE(log.lines(), QStringList());
+    QCOMPARE(FakeBinder::requests().size(), attempts);
+    QVERIFY(!wait.hasUnansweredCall());
 }
 
 void TestWindowWait::unreachableServiceIsTriedTenTimes_data()
@@ -204,95 +195,141 @@ void TestWindowWait::unreachableServiceIsTriedTenTimes()
     QFETCH(bool, isRegistered);
     QFETCH(QString, attempt);
     if (isRegistered) {
-        m_world->android->registerService(surfaceFlinger);
-        m_world->android->failClients(surfaceFlinger);
+        FakeBinder::registerService(surfaceFlinger);
+        FakeBinder::failClients(surfaceFlinger);
     }
-    QVERIFY(startTimeless());
-    QCOMPARE(launch(QStringLiteral("a"), QStringLiteral("com.a")), QString());
-    QTRY_COMPARE(lines(), QStringList{launching} + times(10, {halfASecond}));
-    const QStringList ledger = ledgerOfTheWait(m_world->android->ledger());
-    QCOMPARE(ledger.count(attempt), 10);
-    QCOMPARE(ledger.filter(QStringLiteral("client_new_request")), QStringList());
-    QCOMPARE(m_world->android->leaks().filter(surfaceFlinger), QStringList());
-    QCOMPARE(m_world->android->errors(), QStringList());
-}
-
-void TestWindowWait::refusedIntentIsWaitedForAllTheSame()
-{
-    m_world->android->registerService(surfaceFlinger, inTurn({answer(false), answer(true)}));
-    QVERIFY(startTimeless([](const Request &) { return Reply::failure(-1); }));
-    QCOMPARE(launch(QStringLiteral("a"), QStringLiteral("com.a")), QString());
-    QTRY_COMPARE(lines(), QStringList({launching, notFound(QStringLiteral("com.a")), halfASecond}));
-    QCOMPARE(m_world->requests(activity, startActivityCode).size(), 1);
+    WindowWait wait;
+    QCOMPARE(measure(wait), longestWait);
+    QCOMPARE(FakeBinder::ledger().count(attempt), 10);
+    QCOMPARE(FakeBinder::ledger().filter(QStringLiteral("client_new_request")), QStringList());
 }
 
 void TestWindowWait::eachWaitHasAConnectionOfItsOwn()
 {
-    m_world->android->registerService(
-        surfaceFlinger, inTurn({answer(false), answer(true), answer(true)}));
-    QVERIFY(startTimeless());
-    m_world->android->clearLedger();
-    const QStringList connects = texts({"servicemanager_new /dev/puddlejumper",
-        "servicemanager_get_service_sync SurfaceFlinger", "remote_object_ref SurfaceFlinger",
-        "remote_object_add_death_handler SurfaceFlinger", "client_new SurfaceFlinger"});
-    const QStringList asks = texts(
-        {"client_new_request SurfaceFlinger", "client_transact_sync_reply SurfaceFlinger 103"});
-    const QStringList disconnects =
-        texts({"client_unref SurfaceFlinger", "remote_object_remove_handler SurfaceFlinger",
-            "remote_object_unref SurfaceFlinger", "servicemanager_unref /dev/puddlejumper"});
+    FakeBinder::registerService(surfaceFlinger, inTurn({answer(false), answer(true)}));
+    const auto connects = [](int handler) {
+        return texts({"servicemanager_new /dev/puddlejumper",
+                   "servicemanager_get_service_sync SurfaceFlinger",
+                   "remote_object_ref SurfaceFlinger"})
+            + QStringList{
+                QStringLiteral("remote_object_add_death_handler SurfaceFlinger %1").arg(handler),
+                QStringLiteral("client_new SurfaceFlinger")};
+    };
+    const QStringList asks = texts({"client_new_request SurfaceFlinger",
+        "client_ref SurfaceFlinger", "client_transact SurfaceFlinger 103",
+        "client_unref SurfaceFlinger", "remote_reply_ref SurfaceFlinger"});
+    const auto disconnects = [](int handler) {
+        return QStringList{QStringLiteral("client_unref SurfaceFlinger"),
+            QStringLiteral("remote_object_remove_handler SurfaceFlinger %1").arg(handler),
+            QStringLiteral("remote_object_unref SurfaceFlinger"),
+            QStringLiteral("servicemanager_unref /dev/puddlejumper")};
+    };
     const QStringList forgets =
         texts({"local_request_unref SurfaceFlinger", "remote_reply_unref SurfaceFlinger"});
 
-    QCOMPARE(launch(QStringLiteral("a"), QStringLiteral("com.a")), QString());
-    QCOMPARE(ledgerOfTheWait(m_world->android->ledger()),
-        connects + asks + asks + disconnects + forgets + forgets);
-    m_world->android->clearLedger();
-    QCOMPARE(launch(QStringLiteral("a"), QStringLiteral("com.a")), QString());
-    QCOMPARE(ledgerOfTheWait(m_world->android->ledger()), connects + asks + disconnects + forgets);
-    QCOMPARE(m_world->android->leaks().filter(surfaceFlinger), QStringList());
-    QCOMPARE(m_world->android->errors(), QStringList());
+    WindowWait wait;
+    QCOMPARE(measure(wait), 500);
+    QCOMPARE(FakeBinder::ledger(), connects(1) + asks + asks + disconnects(1) + forgets + forgets);
+    FakeBinder::clearLedger();
+    QCOMPARE(measure(wait), 0);
+    QCOMPARE(FakeBinder::ledger(), connects(2) + asks + disconnects(2) + forgets);
 }
 
-void TestWindowWait::nextIntentAndOtherCallsComeAfterTheWait()
+void TestWindowWait::lateAnswerIsNotTakenForThatOfTheNextWait()
 {
-    // The one wait in real time: the daemon must be caught at it.
-    const QString slow = QStringLiteral("com.slow");
-    m_world->android->registerService(surfaceFlinger, [slow](const Request &request) {
-        return answer(ParcelReader(request.payload).string16() != slow);
-    });
-    QVERIFY(m_world->start());
-    QCOMPARE(launch(QStringLiteral("first"), slow), QString());
-    QCOMPARE(launch(QStringLiteral("second")), QString());
-    QCOMPARE(launch(QStringLiteral("third"), QStringLiteral("com.fast")), QString());
-    QVERIFY(m_world->android->requests().isEmpty());
-
-    m_world->android->registerService(activity);
-    m_world->systemd.setUnitState(QStringLiteral("active"), QStringLiteral("test"));
-    QVERIFY(m_world->android->waitForRequest(surfaceFlinger, hasWindowCode));
-    QCOMPARE(launch(QStringLiteral("meanwhile")), QString());
-
-    m_world->android->settle();
-    QStringList calls;
-    for (const Request &request : m_world->android->requests())
-        calls.append(textOf(request));
-    QCOMPARE(calls,
-        QStringList{QStringLiteral("3 first")} + times(10, {QStringLiteral("103 com.slow")})
-            + texts({"3 second", "3 third", "103 com.fast", "3 meanwhile"}));
+    FakeBinder::registerService(
+        surfaceFlinger, inTurn({Reply::after(6000, answer(true)), answer(false)}));
+    WindowWait wait;
+    QCOMPARE(measure(wait), longestWait);
+    QVERIFY(wait.hasUnansweredCall());
+    QCOMPARE(measure(wait, QStringLiteral("com.b")), longestWait);
+    QVERIFY(!wait.hasUnansweredCall());
+    QCOMPARE(questions(), times(1, package) + times(10, QStringLiteral("com.b")));
 }
 
-void TestWindowWait::waitsLeaveNothingBehind()
+void TestWindowWait::serviceThatOwesFourAnswersIsNotAsked()
 {
-    m_world->android->registerService(
-        surfaceFlinger, inTurn({Reply::failure(-1), Reply::none(), Reply::data({}), answer(true)}));
-    QVERIFY(startTimeless());
-    QCOMPARE(launch(QStringLiteral("a"), QStringLiteral("com.a")), QString());
-    QCOMPARE(m_world->requests(surfaceFlinger, hasWindowCode).size(), 4);
-    QCOMPARE(m_world->android->leaks().filter(surfaceFlinger), QStringList());
-    QCOMPARE(m_world->android->errors(), QStringList());
-    // An exit by which the sanitizers' build looks for lost memory.
-    m_world->android->quitDaemon();
-    QVERIFY(m_world->daemon->waitForExit());
-    QCOMPARE(m_world->daemon->exitCode(), 0);
+    FakeBinder::registerService(surfaceFlinger, inTurn({Reply::never()}));
+    WindowWait wait;
+    QStringList names;
+    for (int i = 0; i < 6; ++i) {
+        names.append(QStringLiteral("com.%1").arg(i));
+        QCOMPARE(measure(wait, names.last()), longestWait);
+    }
+    QCOMPARE(questions(), names.mid(0, 4));
+    // Its successor is.
+    FakeBinder::killService(surfaceFlinger);
+    FakeBinder::registerService(surfaceFlinger, inTurn({answer(true)}));
+    turnFor(0);
+    QCOMPARE(measure(wait), 0);
+    QCOMPARE(questions().size(), 5);
+}
+
+void TestWindowWait::linkThatGoesCountsAsANo_data()
+{
+    QTest::addColumn<bool>("isDeath");
+    QTest::newRow("death of the service") << true;
+    QTest::newRow("end of the runtime") << false;
+}
+
+void TestWindowWait::linkThatGoesCountsAsANo()
+{
+    QFETCH(bool, isDeath);
+    FakeBinder::registerService(surfaceFlinger, inTurn({Reply::never(), answer(true)}));
+    WindowWait wait;
+    QSignalSpy finished(&wait, &WindowWait::finished);
+    wait.start(package);
+    turnFor(100);
+    if (isDeath) {
+        FakeBinder::killService(surfaceFlinger);
+        FakeBinder::registerService(surfaceFlinger, inTurn({answer(true)}));
+    } else {
+        QVERIFY(m_unit->become(QStringLiteral("deactivating")));
+        QVERIFY(m_unit->become(QStringLiteral("active")));
+    }
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(finished.wait(60000));
+    QCOMPARE(timer.elapsed(), 500);
+    QCOMPARE(questions(), times(2, package));
+    FakeBinder::killService(surfaceFlinger);
+    turnFor(0);
+}
+
+void TestWindowWait::linkIsNotTimedOutWithinAWait()
+{
+    FakeBinder::registerService(surfaceFlinger, inTurn({answer(false)}));
+    WindowWait wait;
+    LogCapture log;
+    QCOMPARE(measure(wait), longestWait);
+    QCOMPARE(log.lines().filter(QStringLiteral("Timing out")), QStringList());
+    QCOMPARE(log.lines().filter(QStringLiteral("Connected to")).size(), 1);
+}
+
+void TestWindowWait::destructionEndsAWait_data()
+{
+    QTest::addColumn<Reply>("reply");
+    QTest::newRow("before the answer is taken") << answer(true);
+    QTest::newRow("in a pause") << answer(false);
+    QTest::newRow("with no answer") << Reply::never();
+}
+
+void TestWindowWait::destructionEndsAWait()
+{
+    QFETCH(Reply, reply);
+    FakeBinder::registerService(surfaceFlinger, inTurn({reply}));
+    int ends = 0;
+    {
+        WindowWait wait;
+        connect(&wait, &WindowWait::finished, this, [&ends] { ++ends; });
+        wait.start(package);
+        if (!reply.bytes.isEmpty() && reply.bytes.at(0) == 0)
+            turnFor(100);
+    }
+    FakeBinder::killService(surfaceFlinger);
+    turnFor(20000);
+    QCOMPARE(ends, 0);
+    QCOMPARE(questions(), times(1, package));
 }
 
 LUM_TEST_MAIN(TestWindowWait)

@@ -1,18 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // gbinder_client.h
-#include "tests/support/fakegbinder/world.h"
+#include "tests/support/fakegbinder/outcome.h"
 
 using namespace FakeBinder;
 using Kind = Handle::Kind;
 
 namespace {
-
-struct Outcome
-{
-    int status = -EINVAL;
-    Reply reply;
-    QString label;
-};
 
 Request describe(
     const World &world, const Client &client, guint32 code, guint32 flags, const ParcelData &data)
@@ -45,6 +38,28 @@ ParcelData requestData(World &world, const Client &client, GBinderLocalRequest *
     return message ? message->data : ParcelData();
 }
 
+/// Holds the caller for as long as the service takes.
+void await(Outcome &outcome)
+{
+    World &world = World::instance();
+    std::unique_lock<std::mutex> lock(world.mutex);
+    if (!outcome.client || outcome.reply.delay == 0)
+        return;
+    const RemoteObject *remote = outcome.client->remote;
+    const auto isDead = [remote] { return remote->isDead; };
+    if (outcome.reply.delay < 0)
+        world.killed.wait(lock, isDead);
+    else
+        world.killed.wait_for(lock, std::chrono::milliseconds(outcome.reply.delay), isDead);
+    if (remote->isDead)
+        outcome.reply = Reply::failure(GBINDER_STATUS_DEAD_OBJECT);
+    outcome.status = outcome.reply.status;
+}
+
+} // namespace
+
+namespace FakeBinder {
+
 Outcome transact(GBinderClient *pointer, const char *function, guint32 code, guint32 flags,
     GBinderLocalRequest *req)
 {
@@ -56,7 +71,7 @@ Outcome transact(GBinderClient *pointer, const char *function, guint32 code, gui
     const ParcelData data = ok ? requestData(world, *client, req, &ok) : ParcelData();
     if (!ok)
         return outcome;
-    outcome.label = client->label;
+    outcome.client = client;
     world.note(
         QStringLiteral("%1 %2 %3").arg(QString::fromLatin1(function), client->label).arg(code));
     const Request request = describe(world, *client, code, flags, data);
@@ -75,7 +90,16 @@ Outcome transact(GBinderClient *pointer, const char *function, guint32 code, gui
     return outcome;
 }
 
-} // namespace
+Message *makeReply(World &world, const Outcome &outcome)
+{
+    if (outcome.status != GBINDER_STATUS_OK || !outcome.reply.hasData)
+        return nullptr;
+    auto *reply = world.make<Message>(Handle::Kind::RemoteReply, outcome.client->label);
+    reply->data = {outcome.reply.bytes, outcome.reply.offsets, {}};
+    return reply;
+}
+
+} // namespace FakeBinder
 
 extern "C" {
 
@@ -133,19 +157,16 @@ GBinderLocalRequest *gbinder_client_new_request(GBinderClient *client)
 GBinderRemoteReply *gbinder_client_transact_sync_reply(
     GBinderClient *client, guint32 code, GBinderLocalRequest *req, int *status)
 {
-    const Outcome outcome = transact(client, "client_transact_sync_reply", code, 0, req);
+    Outcome outcome = transact(client, "client_transact_sync_reply", code, 0, req);
     // As in libgbinder, where a call that cannot be made leaves the status alone.
-    if (outcome.label.isNull())
+    if (!outcome.client)
         return nullptr;
+    await(outcome);
     if (status)
         *status = outcome.status;
-    if (outcome.status != GBINDER_STATUS_OK || !outcome.reply.hasData)
-        return nullptr;
     World &world = World::instance();
     const std::lock_guard<std::mutex> lock(world.mutex);
-    auto *reply = world.make<Message>(Kind::RemoteReply, outcome.label);
-    reply->data = {outcome.reply.bytes, outcome.reply.offsets, {}};
-    return reinterpret_cast<GBinderRemoteReply *>(reply);
+    return reinterpret_cast<GBinderRemoteReply *>(makeReply(world, outcome));
 }
 
 int gbinder_client_transact_sync_oneway(

@@ -53,8 +53,10 @@ void callDeathHandlers(const RemoteObject *object)
 
 void kill(RemoteObject *object, Notice notice)
 {
-    if (object)
-        announce(notice, [object] { callDeathHandlers(object); });
+    if (!object)
+        return;
+    failCalls(object);
+    announce(notice, [object] { callDeathHandlers(object); });
 }
 
 } // namespace

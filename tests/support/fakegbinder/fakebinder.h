@@ -22,7 +22,7 @@ void registerService(
 /// Takes the name away from the service manager; the service lives on for those who hold it.
 void unregisterService(const QString &name);
 /// Kills a registered service: its name goes, calls on it fail with GBINDER_STATUS_DEAD_OBJECT,
-/// and death handlers are called as `notice` says.
+/// those too that are under way, and death handlers are called as `notice` says.
 void killService(const QString &name, Notice notice = Notice::Deferred);
 /// Calls the registration handlers for that name once more, registered or not.
 void notifyRegistration(const QString &name, Notice notice = Notice::Deferred);
@@ -63,6 +63,7 @@ void clearRequests();
 ///     client_new_request alien                   local_request_unref alien
 ///     client_transact_sync_reply alien 5         remote_reply_unref alien
 ///     client_transact_sync_oneway alien 5        (the number is the code)
+///     client_transact alien 5                    client_cancel alien
 ///     servicemanager_new_local_object IFACE      local_object_drop IFACE
 ///     servicename_new alien.launcher             servicename_unref alien.launcher
 ///     local_object_new_reply IFACE               local_reply_unref IFACE

@@ -42,6 +42,7 @@ struct Reply
     bool hasData = true; ///< false: the caller gets a null reply
     QByteArray bytes;
     QVector<int> offsets; ///< where the objects begin in `bytes`
+    int delay = 0; ///< milliseconds until the caller has it; negative: not before the death
 
     /// The usual answer.
     static Reply data(const QByteArray &bytes) { return {0, true, bytes, {}}; }
@@ -49,6 +50,15 @@ struct Reply
     static Reply failure(int status) { return {status, false, {}, {}}; }
     /// Status 0 and yet a null reply.
     static Reply none() { return {0, false, {}, {}}; }
+    /// An answer that takes its time.
+    static Reply after(int milliseconds, const Reply &reply)
+    {
+        Reply late = reply;
+        late.delay = milliseconds;
+        return late;
+    }
+    /// No answer before the service dies.
+    static Reply never() { return after(-1, none()); }
 };
 
 /// The Android side of a service or object.

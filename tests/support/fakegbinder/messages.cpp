@@ -20,6 +20,7 @@ const QLatin1String Offsets("offsets");
 const QLatin1String LocalObjects("localObjects");
 const QLatin1String Status("status");
 const QLatin1String HasData("hasData");
+const QLatin1String Delay("delay");
 const QLatin1String Name("name");
 const QLatin1String ObjectId("objectId");
 const QLatin1String InitialStatus("initialStatus");
@@ -88,13 +89,13 @@ Request requestFrom(const QJsonObject &json)
 QJsonObject toJson(const Reply &reply)
 {
     return {{Status, reply.status}, {HasData, reply.hasData}, {Bytes, fromBytes(reply.bytes)},
-        {Offsets, fromNumbers(reply.offsets)}};
+        {Offsets, fromNumbers(reply.offsets)}, {Delay, reply.delay}};
 }
 
 Reply replyFrom(const QJsonObject &json)
 {
     return {json[Status].toInt(), json[HasData].toBool(), toBytes(json[Bytes]),
-        toNumbers<int>(json[Offsets])};
+        toNumbers<int>(json[Offsets]), json[Delay].toInt()};
 }
 
 QJsonObject toJson(const Call &call)

@@ -7,6 +7,7 @@
 #include <QMap>
 #include <QStringList>
 
+#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -31,6 +32,17 @@ public:
         RemoteObject *object;
         GBinderRemoteObjectNotifyFunc function;
         void *userData;
+    };
+
+    /// A call whose caller does not wait for it.
+    struct AsynchronousCall
+    {
+        Client *client;
+        Reply reply;
+        GBinderClientReplyFunc function;
+        GDestroyNotify destroy;
+        void *userData;
+        bool isCancelled = false;
     };
 
     /// Made on first use and never destroyed.
@@ -76,7 +88,10 @@ public:
     QVector<ServiceName *> published;
     QMap<gulong, RegistrationHandler> registrationHandlers;
     QMap<gulong, DeathHandler> deathHandlers;
+    QMap<gulong, AsynchronousCall> calls;
+    std::condition_variable killed; // a remote object has died
     gulong nextHandlerId = 1;
+    gulong nextCallId = 1;
     quint32 nextServiceId = 1;
     quint32 nextRemoteObjectId = 1000;
     quint32 nextLocalObjectId = 1;
@@ -93,6 +108,9 @@ private:
     std::vector<std::unique_ptr<Handle>> m_handles;
     QHash<const void *, Handle *> m_byPointer;
 };
+
+/// Ends the calls that the process under test has under way on an object that has died.
+void failCalls(const RemoteObject *object);
 
 /// The bytes that libgbinder puts before the payload.
 QByteArray rpcHeader(Protocol protocol, const QByteArray &interface);

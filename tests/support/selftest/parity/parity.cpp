@@ -3,6 +3,7 @@
 // fake and with the real library behind it; both must print the same.
 //
 // Usage: parity aidl|aidl2
+#include "asynchronous.h"
 #include "wire.h"
 
 #include <gbinder.h>
@@ -76,6 +77,7 @@ public:
     void write();
     void read();
     void handle();
+    void call() { compareAsynchronousCalls(m_peer, m_client); }
 
 private:
     void written(const char *name, const std::function<void(GBinderWriter *)> &append);
@@ -356,6 +358,7 @@ int main(int argc, char **argv)
     parity.write();
     parity.read();
     parity.handle();
+    parity.call();
     fflush(stdout);
     // The real library's threads wait for a driver that answers no farewell.
     _exit(0);

@@ -28,6 +28,10 @@ struct Answer
 void start(const std::string &protocol);
 /// What "peer" answers from now on.
 void setReply(const Parcel &reply);
+/// How many milliseconds "peer" takes for an answer from now on; -1: until its death.
+void delayReplies(int milliseconds);
+/// Kills "peer" in the middle of its calls.
+void killPeer();
 /// The last request that "peer" received.
 Parcel lastRequest();
 /// Calls the local object that was handed over last in a request.

@@ -25,6 +25,16 @@ void Wire::setReply(const Parcel &reply)
         nextReply.offsets.append(int(offset));
 }
 
+void Wire::delayReplies(int milliseconds)
+{
+    nextReply.delay = milliseconds;
+}
+
+void Wire::killPeer()
+{
+    FakeBinder::killService(QStringLiteral("peer"));
+}
+
 Wire::Parcel Wire::lastRequest()
 {
     const FakeBinder::Request request = FakeBinder::requests().last();

@@ -36,6 +36,9 @@ struct Driver
     std::condition_variable answered;
     bool hasAnswer = false;
     Wire::Answer answer;
+    int delay = 0;
+    bool isPeerDead = false;
+    std::condition_variable peerDied;
 };
 
 Driver driver;
@@ -99,13 +102,28 @@ void receive(const binder_transaction_data &data)
     }
 }
 
-void transact(const binder_transaction_data &data)
+/// Lets the peer take its time; false when it is dead at the end.
+bool await(std::unique_lock<std::mutex> &lock)
+{
+    const auto isDead = [] { return driver.isPeerDead; };
+    if (driver.delay < 0)
+        driver.peerDied.wait(lock, isDead);
+    else
+        driver.peerDied.wait_for(lock, std::chrono::milliseconds(driver.delay), isDead);
+    return !driver.isPeerDead;
+}
+
+void transact(const binder_transaction_data &data, std::unique_lock<std::mutex> &lock)
 {
     if (data.target.handle == PeerHandle)
         receive(data);
     put(&pending, uint32_t(BR_TRANSACTION_COMPLETE));
     if (data.flags & TF_ONE_WAY)
         return;
+    if (data.target.handle == PeerHandle && !await(lock)) {
+        put(&pending, uint32_t(BR_DEAD_REPLY));
+        return;
+    }
     put(&pending, uint32_t(BR_REPLY));
     put(&pending, describe(replyFor(data)));
 }
@@ -124,10 +142,10 @@ void takeAnswer(const binder_transaction_data &data)
     driver.answered.notify_all();
 }
 
-void take(uint32_t command, const char *payload)
+void take(uint32_t command, const char *payload, std::unique_lock<std::mutex> &lock)
 {
     if (command == BC_TRANSACTION || command == BC_TRANSACTION_SG)
-        transact(get<binder_transaction_data>(payload));
+        transact(get<binder_transaction_data>(payload), lock);
     else if (command == BC_REPLY || command == BC_REPLY_SG)
         takeAnswer(get<binder_transaction_data>(payload));
     else if (command == BC_FREE_BUFFER)
@@ -136,12 +154,12 @@ void take(uint32_t command, const char *payload)
 
 int writeRead(binder_write_read *exchange)
 {
-    const std::lock_guard<std::mutex> lock(driver.mutex);
+    std::unique_lock<std::mutex> lock(driver.mutex);
     const auto *out = reinterpret_cast<const char *>(exchange->write_buffer);
     while (exchange->write_consumed < exchange->write_size) {
         const char *at = out + exchange->write_consumed;
         const auto command = get<uint32_t>(at);
-        take(command, at + sizeof(command));
+        take(command, at + sizeof(command), lock);
         exchange->write_consumed += sizeof(command) + _IOC_SIZE(command);
     }
     if (exchange->read_size > 0 && pending.empty() && !driver.incoming.empty()) {
@@ -206,6 +224,19 @@ void Wire::setReply(const Parcel &reply)
 {
     const std::lock_guard<std::mutex> lock(driver.mutex);
     driver.reply = reply;
+}
+
+void Wire::delayReplies(int milliseconds)
+{
+    const std::lock_guard<std::mutex> lock(driver.mutex);
+    driver.delay = milliseconds;
+}
+
+void Wire::killPeer()
+{
+    const std::lock_guard<std::mutex> lock(driver.mutex);
+    driver.isPeerDead = true;
+    driver.peerDied.notify_all();
 }
 
 Wire::Parcel Wire::lastRequest()
