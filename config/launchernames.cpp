@@ -25,10 +25,16 @@ QString escaped(const QString &name)
 
 QString unversionedApkName(const QString &apkPath)
 {
-    QString name = QFileInfo(apkPath).fileName();
+    QString name = apkPath.mid(apkPath.lastIndexOf(QLatin1Char('/')) + 1);
     if (name.contains(QLatin1Char('-')))
         name.replace(QRegExp(QStringLiteral("-\\d+\\.apk")), QStringLiteral(".apk"));
     return name;
+}
+
+// Qt takes a path that begins with a colon for a resource of the program.
+QString onDisk(const QString &path)
+{
+    return path.startsWith(QLatin1Char(':')) ? QLatin1String("./") + path : path;
 }
 
 } // namespace
@@ -42,7 +48,8 @@ bool isApkPath(const QString &path)
 {
     if (path.endsWith(QLatin1String(".apk"), Qt::CaseInsensitive))
         return true;
-    return QFileInfo(path).isDir() && QDir(path).exists(QStringLiteral("base.apk"));
+    const QString folder = onDisk(path);
+    return QFileInfo(folder).isDir() && QDir(folder).exists(QStringLiteral("base.apk"));
 }
 
 QString iconPathFor(const QString &desktopPath)
@@ -58,12 +65,20 @@ QString settingsEntryPathFor(const QString &desktopPath)
         + QLatin1String(".json");
 }
 
+QString pathInFolder(const QDir &dir, const QString &name)
+{
+    if (!name.startsWith(QLatin1Char(':')))
+        return dir.filePath(name);
+    const QString current = dir.filePath(QStringLiteral("."));
+    return current.chopped(1) + name;
+}
+
 QString unversionedApkPath(const QDir &dir, const QString &apkPath)
 {
-    return dir.absoluteFilePath(unversionedApkName(apkPath));
+    return pathInFolder(QDir(dir.absolutePath()), unversionedApkName(apkPath));
 }
 
 bool unversionedApkExists(const QDir &dir, const QString &apkPath)
 {
-    return dir.exists(unversionedApkName(apkPath));
+    return dir.exists(onDisk(unversionedApkName(apkPath)));
 }

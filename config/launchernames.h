@@ -19,6 +19,10 @@ QString iconPathFor(const QString &desktopPath);
 /// The settings entry that belongs to the desktop entry @p desktopPath.
 QString settingsEntryPathFor(const QString &desktopPath);
 
+/// The path in @p dir of the entry @p name, which holds no slash. (QDir::filePath() would take one
+/// that begins with a colon for a resource of the program.)
+QString pathInFolder(const QDir &dir, const QString &name);
+
 /// The path in @p dir of the apk named by @p apkPath, less the number that packaged apk
 /// files carry: "foo-12.apk" gives "foo.apk".
 QString unversionedApkPath(const QDir &dir, const QString &apkPath);

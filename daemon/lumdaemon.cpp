@@ -3,6 +3,7 @@
 
 #include "clients/alienservicemonitor.h"
 #include "config/apkconfig.h"
+#include "config/launchernames.h"
 #include "daemon/logging.h"
 #include "daemon/lumdaemonadaptor.h"
 #include "runtime/servicecontroller.h"
@@ -25,7 +26,7 @@ void removeStaleFiles(const QDir &dir)
 {
     const QStringList names = dir.entryList(QDir::Files, QDir::NoSort);
     for (const QString &name : names) {
-        const QString path = dir.filePath(name);
+        const QString path = pathInFolder(dir, name);
         qCDebug(daemonLog) << "Removing old incoming file:" << path;
         if (!QFile::remove(path))
             qCDebug(daemonLog) << "Could not remove file::" << path;

@@ -22,10 +22,13 @@
 #include <QVariantMap>
 
 #include <functional>
+#include <optional>
 
 class ApkConfig;
 class QDir;
 class ServiceController;
+struct Caller;
+struct FileRights;
 
 /// The daemon: owns all that speaks to the Android runtime and carries out what the system
 /// bus asks for, on the main thread. Its bus face is LumDaemonAdaptor. Requests that the
@@ -106,11 +109,13 @@ private:
     void prepareFolders();
     void claimBus();
 
-    bool isPrivilegedCaller() const;
-    bool isPackageChangeAllowed() const;
+    /// Who makes the bus call that is being answered; nothing for a call from inside.
+    std::optional<Caller> caller() const;
+    static bool isPackageChangeAllowed(const std::optional<Caller> &caller);
 
     static void offerRuntime();
-    static bool stageFile(const QString &filename, const QString &target);
+    static bool stageFile(
+        const QString &filename, const std::optional<FileRights> &rights, const QString &target);
     /// The folder that apk files are staged in, made fit for use. What could not be done is
     /// logged.
     QDir incomingDir() const;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Who may do what: the checks of a caller's identity and of the device's policy.
+#include "daemon/caller.h"
 #include "daemon/lumdaemon.h"
 
 #include <policyvalue.h>
@@ -8,7 +9,6 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusReply>
-#include <QFileInfo>
 
 namespace {
 
@@ -17,19 +17,20 @@ constexpr int appChangesPolicy = 6;
 
 } // namespace
 
-bool LumDaemon::isPrivilegedCaller() const
+std::optional<Caller> LumDaemon::caller() const
 {
     if (!calledFromDBus())
-        return true;
-    const uint pid = connection().interface()->servicePid(message().service()).value();
-    // The process's folder belongs to its effective user and group.
-    const QFileInfo process(QStringLiteral("/proc/%1").arg(pid));
-    const QString group = process.group();
-    return group == QLatin1String("privileged") || group == QLatin1String("disk")
-        || process.owner() == QLatin1String("root");
+        return std::nullopt;
+    // Its name on the bus is never given to another connection.
+    const QString name = message().service();
+    QDBusConnectionInterface *const bus = connection().interface();
+    const ProcessOwner process = ProcessOwner::ofProcess(bus->servicePid(name).value());
+    const QDBusMessage reply = bus->call(QStringLiteral("GetConnectionCredentials"), name);
+    return Caller{process, BusCredentials::fromReply(reply)};
 }
 
-bool LumDaemon::isPackageChangeAllowed() const
+bool LumDaemon::isPackageChangeAllowed(const std::optional<Caller> &caller)
 {
-    return isPrivilegedCaller() || Quillfin::PolicyValue::keyValue(appChangesPolicy).toBool();
+    return !caller || caller->isPrivileged()
+        || Quillfin::PolicyValue::keyValue(appChangesPolicy).toBool();
 }

@@ -3,8 +3,11 @@
 #include "daemon/lumdaemon.h"
 
 #include "config/apkconfig.h"
+#include "config/launchernames.h"
 #include "config/paths.h"
+#include "daemon/caller.h"
 #include "daemon/logging.h"
+#include "daemon/staging.h"
 #include "runtime/runtimeoffer.h"
 
 #include <QDir>
@@ -28,9 +31,10 @@ void clearWay(const QString &path, const char *warning)
     }
 }
 
-bool copyFile(const QString &source, const QString &temporary)
+bool copyFile(
+    const QString &source, const std::optional<FileRights> &rights, const QString &temporary)
 {
-    if (QFile::copy(source, temporary))
+    if (copyForStaging(source, rights, temporary))
         return true;
     QFile::remove(temporary);
     qCCritical(daemonLog) << "Could not copy incoming file:" << source << "->" << temporary;
@@ -76,7 +80,9 @@ void markAsPartnerSpace(const QString &apkName)
 bool LumDaemon::installFile(const QString &filename, PackageSource source)
 {
     qCDebug(daemonLog) << "installFile:" << filename;
-    if (!isPackageChangeAllowed()) {
+    // Asked once: a second answer could be another one.
+    const std::optional<Caller> requester = caller();
+    if (!isPackageChangeAllowed(requester)) {
         qCCritical(daemonLog) << "APK installation prohibited";
         publishNotification(qtTrId("lumd-app_installation_disallowed"), true);
         return false;
@@ -96,13 +102,13 @@ bool LumDaemon::installFile(const QString &filename, PackageSource source)
 
     const QString name = QFileInfo(filename).fileName();
     startServiceIfNeeded();
-    const QString target = incomingDir().filePath(name);
-    if (!stageFile(filename, target))
+    const QString target = pathInFolder(incomingDir(), name);
+    if (!stageFile(filename, requester ? requester->fileRights() : std::nullopt, target))
         return false;
     if (source == SourcePartnerSpace)
         markAsPartnerSpace(name);
 
-    const QString packaged = QDir(m_config->path(PackagedDir)).filePath(name);
+    const QString packaged = pathInFolder(QDir(m_config->path(PackagedDir)), name);
     qCDebug(daemonLog) << "Asking ACL to install:" << filename << packaged;
     PackageMod mod;
     mod.filename = stripDataRoot(target);
@@ -138,12 +144,14 @@ void LumDaemon::offerRuntime()
     }
 }
 
-bool LumDaemon::stageFile(const QString &filename, const QString &target)
+bool LumDaemon::stageFile(
+    const QString &filename, const std::optional<FileRights> &rights, const QString &target)
 {
     const QString temporary = target + QLatin1String(".tmp");
     clearWay(target, "File already exists in incoming folder:");
     clearWay(temporary, "Tmp file already exists in incoming folder:");
-    return copyFile(filename, temporary) && renameFile(temporary, target) && openToRuntime(target);
+    return copyFile(filename, rights, temporary) && renameFile(temporary, target)
+        && openToRuntime(target);
 }
 
 QString LumDaemon::stripDataRoot(const QString &path) const

@@ -5,6 +5,7 @@
 #include "config/apkconfig.h"
 #include "config/launchernames.h"
 #include "config/paths.h"
+#include "daemon/caller.h"
 #include "daemon/logging.h"
 #include "daemon/packagenames.h"
 
@@ -45,7 +46,7 @@ void removeRpmPackage(const QString &packageId)
 bool LumDaemon::removeFile(const QString &filename)
 {
     qCDebug(daemonLog) << "removeFile:" << filename;
-    if (!isPackageChangeAllowed()) {
+    if (!isPackageChangeAllowed(caller())) {
         qCCritical(daemonLog) << "APK uninstallation prohibited";
         publishNotification(qtTrId("lumd-app_uninstallation_disallowed"), true);
         return false;
@@ -72,7 +73,7 @@ void LumDaemon::uninstallRpmPackage(const QString &filename) const
 {
     const QString package = packageNameFromFile(filename);
     const QDir packagedDir(m_config->path(PackagedDir));
-    if (!QFile::exists(packagedDir.filePath(package) + QLatin1String(".apk")))
+    if (!QFile::exists(pathInFolder(packagedDir, package) + QLatin1String(".apk")))
         return;
 
     const QString rpm = QStringLiteral("mirlane-apk-%1").arg(package);

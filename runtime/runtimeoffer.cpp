@@ -13,6 +13,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include <grp.h>
+#include <pwd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -30,10 +32,20 @@ int reportFailure()
     return failed;
 }
 
+// Root has its own already.
+bool takeGroupsOf(uid_t uid)
+{
+    if (uid == 0)
+        return true;
+    const passwd *const user = getpwuid(uid);
+    return user && initgroups(user->pw_name, user->pw_gid) == 0 && setgid(user->pw_gid) == 0;
+}
+
 int runLauncher()
 {
     uid_t uid = 0;
-    if (sd_seat_get_active("seat0", nullptr, &uid) >= 0 && setuid(uid) != 0) {
+    if (sd_seat_get_active("seat0", nullptr, &uid) >= 0
+        && (!takeGroupsOf(uid) || setuid(uid) != 0)) {
         std::fprintf(stderr, "Could not setuid to logged-in user");
         return failed;
     }

@@ -32,6 +32,8 @@ private Q_SLOTS:
     void unversionedApkLosesItsNumber_data();
     void unversionedApkLosesItsNumber();
     void unversionedApkExistsInItsDirectory();
+    void nameIsPutIntoAFolder_data();
+    void nameIsPutIntoAFolder();
 };
 
 void TestLauncherNames::bothNamesAreEscapedApart_data()
@@ -102,6 +104,12 @@ void TestLauncherNames::directoryIsAnApkWhenItHoldsABaseApk()
     const QString file = dir.filePath(QStringLiteral("file"));
     QVERIFY(touch(file));
     QVERIFY(!isApkPath(file));
+
+    QVERIFY(QDir::setCurrent(dir.path()));
+    QVERIFY(QDir().mkdir(QStringLiteral("./:a")));
+    QVERIFY(!isApkPath(QStringLiteral(":a")));
+    QVERIFY(touch(QStringLiteral("./:a/base.apk")));
+    QVERIFY(isApkPath(QStringLiteral(":a")));
 }
 
 void TestLauncherNames::iconPathReplacesFolderAndSuffixEverywhere_data()
@@ -144,6 +152,9 @@ void TestLauncherNames::settingsEntryTakesTheCompleteBaseName_data()
     row("a", "a");
     row(".desktop", "");
     row("/x/", "");
+    row(":a.b.desktop", ":a.b");
+    row("/x/:a.desktop", ":a");
+    row("/x/a:b.desktop", "a:b");
 }
 
 void TestLauncherNames::settingsEntryTakesTheCompleteBaseName()
@@ -174,6 +185,10 @@ void TestLauncherNames::unversionedApkLosesItsNumber_data()
     row("foo-12xapk", "foo-12xapk");
     row("foo12.apk", "foo12.apk");
     row("-1.apk", ".apk");
+    row(":foo-12.apk", ":foo.apk");
+    row("/x/:foo.apk", ":foo.apk");
+    row(":/foo.apk", "foo.apk");
+    row(":-1.apk", ":.apk");
 }
 
 void TestLauncherNames::unversionedApkLosesItsNumber()
@@ -199,6 +214,43 @@ void TestLauncherNames::unversionedApkExistsInItsDirectory()
     QVERIFY(unversionedApkExists(dir, versioned));
     QVERIFY(unversionedApkExists(dir, QStringLiteral("foo.apk")));
     QVERIFY(!unversionedApkExists(dir, QStringLiteral("bar.apk")));
+
+    const QString colon = QStringLiteral("/elsewhere/:foo-12.apk");
+    QVERIFY(!unversionedApkExists(dir, colon));
+    QVERIFY(touch(dir.path() + QStringLiteral("/:foo.apk")));
+    QVERIFY(unversionedApkExists(dir, colon));
+}
+
+void TestLauncherNames::nameIsPutIntoAFolder_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("path");
+    const auto row = [](const char *folder, const char *name, const char *path) {
+        QTest::addRow("%s %s", folder, name)
+            << QString::fromUtf8(folder) << QString::fromUtf8(name) << QString::fromUtf8(path);
+    };
+    row("/a/b", "c", "/a/b/c");
+    row("/a/b/", "c", "/a/b/c");
+    row("/a//b", "c", "/a//b/c");
+    row("/", "c", "/c");
+    row("/a", "", "/a");
+    row("/a", ".", "/a/.");
+    row("/a", "b:", "/a/b:");
+    row("a", "c", "a/c");
+    row("/a/b", ":c", "/a/b/:c");
+    row("/a//b/", ":c", "/a//b/:c");
+    row("/", ":c", "/:c");
+    row("/a", ":", "/a/:");
+    row("a", ":c", "a/:c");
+}
+
+void TestLauncherNames::nameIsPutIntoAFolder()
+{
+    QFETCH(QString, folder);
+    QFETCH(QString, name);
+    QFETCH(QString, path);
+    QCOMPARE(pathInFolder(QDir(folder), name), path);
 }
 
 LUM_TEST_MAIN(TestLauncherNames)

@@ -46,6 +46,11 @@ QString plain()
     return QStringLiteral("plain");
 }
 
+QString becoming(const Identity &later)
+{
+    return QStringLiteral("becoming:%1:%2").arg(idOf(later.owner)).arg(idOf(later.group));
+}
+
 void replaceUsersAndGroups()
 {
     makeFile(QStringLiteral("/run/users"));

@@ -17,6 +17,10 @@ Identity ordinary();
 /// The name of a manner of calling: see caller.cpp.
 QString plain();
 
+/// The manner of a process that becomes another behind its connection, as one does that executes
+/// `su`. In a namespace with but one user it stays who it is.
+QString becoming(const Identity &later);
+
 /// Puts files of the namespace in the place of the system's lists of users and groups; once,
 /// before the first call.
 void replaceUsersAndGroups();

@@ -7,9 +7,10 @@
 // An ARGUMENT is a string, but for "true" and "false", which are booleans, and "@", which is an
 // open descriptor.
 // MANNER is "plain", "hidden" (it forbids others to look at its memory), "hasty" (it is gone
-// before the answer), "signal" (METHOD is a signal to the daemon), "owner" (it asks for the
-// daemon's name instead) or a connection's name, which is called in the daemon's place. It prints
-// the result: "true", "false", "done" or an error's words.
+// before the answer), "becoming:UID:GID" (it has these effective ids once it is connected),
+// "signal" (METHOD is a signal to the daemon), "owner" (it asks for the daemon's name instead) or
+// a connection's name, which is called in the daemon's place. It prints the result: "true",
+// "false", "done" or an error's words.
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -32,6 +33,20 @@ bool become(uid_t uid, gid_t gid)
         return true;
     constexpr gid_t disk = 6;
     return setgroups(1, &disk) == 0 && setgid(gid) == 0 && setuid(uid) == 0;
+}
+
+// For a time: no groups but that one, and back to root whenever it likes.
+bool appear(uid_t uid, gid_t gid)
+{
+    if (getuid() == uid && getgid() == gid)
+        return true;
+    return setgroups(0, nullptr) == 0 && setegid(gid) == 0 && seteuid(uid) == 0;
+}
+
+bool appearAs(const QList<QByteArray> &ids)
+{
+    return seteuid(getuid()) == 0
+        && appear(static_cast<uid_t>(ids.at(1).toInt()), static_cast<gid_t>(ids.at(2).toInt()));
 }
 
 QVariant argumentOf(const QString &text)
@@ -68,18 +83,25 @@ QString resultOf(const QDBusMessage &reply)
 
 int main(int argc, char **argv)
 {
-    if (argc < 5
-        || !become(static_cast<uid_t>(std::atoi(argv[1])), static_cast<gid_t>(std::atoi(argv[2]))))
+    if (argc < 5)
         return EXIT_FAILURE;
+    const auto uid = static_cast<uid_t>(std::atoi(argv[1]));
+    const auto gid = static_cast<gid_t>(std::atoi(argv[2]));
     const QByteArray manner(argv[3]);
+    const QList<QByteArray> later = manner.split(':');
+    if (later.size() == 3 ? !appear(uid, gid) : !become(uid, gid))
+        return EXIT_FAILURE;
     if (manner == "hidden")
         prctl(PR_SET_DUMPABLE, 0);
 
+    QCoreApplication::setSetuidAllowed(true);
     const QCoreApplication application(argc, argv);
     QDBusMessage message = messageOf(QString::fromLatin1(manner), QString::fromUtf8(argv[4]));
     for (int at = 5; at < argc; ++at)
         message << argumentOf(QString::fromUtf8(argv[at]));
     QDBusConnection bus = QDBusConnection::systemBus();
+    if (later.size() == 3 && !appearAs(later))
+        return EXIT_FAILURE;
     if (manner == "hasty" || manner == "signal") {
         bus.send(message);
         // Answered when the bus has passed on what came before.

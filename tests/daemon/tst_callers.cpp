@@ -6,6 +6,7 @@
 #include "tests/daemon/callas.h"
 #include "tests/daemon/openwatch.h"
 #include "tests/support/logcapture.h"
+#include "tests/support/systemcalls.h"
 #include "tests/support/testmain.h"
 
 #include <QDBusConnection>
@@ -28,6 +29,8 @@ QString apk()
 
 } // namespace
 
+Q_DECLARE_METATYPE(Identity)
+
 class TestCallers : public QObject
 {
     Q_OBJECT
@@ -39,6 +42,8 @@ private Q_SLOTS:
 
     void callerIsJudgedByOwnerAndGroup_data();
     void callerIsJudgedByOwnerAndGroup();
+    void callerThatBecomesAnotherIsNotLetIn_data();
+    void callerThatBecomesAnotherIsNotLetIn();
     void policyLetsEverybodyIn_data();
     void policyLetsEverybodyIn();
     void refusalIsToldToTheUser_data();
@@ -107,6 +112,40 @@ void TestCallers::callerIsJudgedByOwnerAndGroup()
     setPolicy("[policy]\n6=false\n");
     QCOMPARE(callAs({owner, group}, plain(), QStringLiteral("installFile"), {apk()}), result);
     QCOMPARE(callAs({owner, group}, plain(), QStringLiteral("removeFile"), {apk()}), result);
+}
+
+void TestCallers::callerThatBecomesAnotherIsNotLetIn_data()
+{
+    QTest::addColumn<Identity>("connected");
+    QTest::addColumn<Identity>("later");
+    QTest::addColumn<QString>("result");
+    const Identity root{QStringLiteral("root"), QStringLiteral("root")};
+    const Identity disk{QStringLiteral("nemo"), QStringLiteral("disk")};
+    const QString yes = QStringLiteral("true");
+    const QString no = QStringLiteral("false");
+    QTest::newRow("root") << ordinary() << root << no;
+    QTest::newRow("of root's group")
+        << ordinary() << Identity{QStringLiteral("nemo"), root.group} << no;
+    QTest::newRow("of disk") << ordinary() << disk << no;
+    QTest::newRow("was root") << root << ordinary() << no;
+    QTest::newRow("was of disk") << disk << ordinary() << no;
+    // The manner alone shuts nobody out.
+    QTest::newRow("stays root") << root << root << yes;
+    QTest::newRow("stays of disk") << disk << disk << yes;
+    QTest::newRow("root of another group") << root << Identity{root.owner, disk.group} << yes;
+}
+
+void TestCallers::callerThatBecomesAnotherIsNotLetIn()
+{
+    QFETCH(Identity, connected);
+    QFETCH(Identity, later);
+    QFETCH(QString, result);
+    QVERIFY(m_world->start());
+    // Where there is but one user his names are those that he connects with, and nothing more is
+    // seen here than in callerIsJudgedByOwnerAndGroup.
+    if (!SystemCalls::hasUser(12345))
+        result = callAs(connected, plain(), QStringLiteral("removeFile"), {apk()});
+    QCOMPARE(callAs(connected, becoming(later), QStringLiteral("removeFile"), {apk()}), result);
 }
 
 void TestCallers::policyLetsEverybodyIn_data()

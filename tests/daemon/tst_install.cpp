@@ -106,6 +106,8 @@ void TestInstall::everyEntryPointHandsOverTheStagedFile_data()
     const QString folder = packaged();
     QTest::newRow("user") << user << elsewhere << false << false;
     QTest::newRow("delivered by a package") << user << delivered << true << false;
+    QTest::newRow("delivered, like a resource")
+        << user << packaged(QStringLiteral(":x.apk")) << true << false;
     QTest::newRow("delivered, doubled slash")
         << user << folder + QLatin1Char('/') + name << false << false;
     QTest::newRow("delivered, dot")
@@ -122,7 +124,7 @@ void TestInstall::everyEntryPointHandsOverTheStagedFile()
     QFETCH(QString, path);
     QFETCH(bool, isSilent);
     QFETCH(bool, isMarked);
-    const QString name = QStringLiteral("com.foo.bar-12.apk");
+    const QString name = QFileInfo(path).fileName();
     QVERIFY(m_world->start());
     QVERIFY(m_world->bringUpRuntime());
     makeFile(path, contents);

@@ -72,6 +72,10 @@ void TestInstallNames::unusualNamesAreStaged_data()
     row("hidden", QStringLiteral(".a"), QStringLiteral(".a"));
     row("through the parent", QStringLiteral("b/../c.apk"), QStringLiteral("c.apk"));
     row("percent", QStringLiteral("%1%2.apk"), QStringLiteral("%1%2.apk"));
+    row("like a resource", QStringLiteral(":x.apk"), QStringLiteral(":x.apk"));
+    row("like a resource in a folder", QStringLiteral("b/:x.apk"), QStringLiteral(":x.apk"));
+    row("a colon alone", QStringLiteral(":"), QStringLiteral(":"));
+    row("a colon within", QStringLiteral("a:b.apk"), QStringLiteral("a:b.apk"));
 }
 
 void TestInstallNames::unusualNamesAreStaged()
@@ -93,7 +97,7 @@ void TestInstallNames::unusualNamesAreStaged()
 
 void TestInstallNames::linkIsFollowed()
 {
-    // The daemon reads as root: the link leads to a file that the caller may not read.
+    // The daemon reads for root as root.
     makeFile(QStringLiteral("/run/secret"), contents);
     QCOMPARE(chmod("/run/secret", 0600), 0);
     QVERIFY(QDir().mkpath(source({})));

@@ -163,6 +163,9 @@ void TestRemove::markerGoesWithoutItsNumber_data()
     QTest::newRow("desktop file") << clockEntry << QStringLiteral("com.clock");
     QTest::newRow("empty") << QString() << QString();
     QTest::newRow("parent") << QStringLiteral("/..") << QString();
+    QTest::newRow("like a resource") << QStringLiteral(":x-3.apk") << QStringLiteral(":x.apk");
+    QTest::newRow("like a resource in a folder")
+        << QStringLiteral("/a/:x.apk") << QStringLiteral(":x.apk");
 }
 
 void TestRemove::markerGoesWithoutItsNumber()
@@ -171,7 +174,8 @@ void TestRemove::markerGoesWithoutItsNumber()
     QFETCH(QString, gone);
     makeClockEntry();
     QStringList left;
-    for (const char *file : {"com.clock", "com.clock.apk", "com.foo-12.apk", "com.foo.apk"}) {
+    for (const char *file :
+        {":x.apk", "com.clock", "com.clock.apk", "com.foo-12.apk", "com.foo.apk"}) {
         left.append(QString::fromLatin1(file));
         makeFile(marker(left.last()));
     }
@@ -195,29 +199,35 @@ void TestRemove::numberedMarkerOfAnInstallStays()
 void TestRemove::rpmPackageIsRemoved_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("package") << QStringLiteral("com.foo");
-    QTest::newRow("apk") << QStringLiteral("/else/where/com.foo-3.apk");
+    QTest::addColumn<QString>("package");
+    const QString package = QStringLiteral("com.foo");
+    QTest::newRow("package") << package << package;
+    QTest::newRow("apk") << QStringLiteral("/else/where/com.foo-3.apk") << package;
+    QTest::newRow("like a resource") << QStringLiteral(":x") << QStringLiteral(":x");
+    QTest::newRow("like a resource, apk") << QStringLiteral("/a/:x.apk") << QStringLiteral(":x");
 }
 
 void TestRemove::rpmPackageIsRemoved()
 {
     QFETCH(QString, name);
-    const QString id = QStringLiteral("mirlane-apk-com.foo;1.0-1;noarch;installed");
-    m_packageKit->setPackages(QStringLiteral("mirlane-apk-com.foo"), {id});
-    makeFile(packaged(QStringLiteral("com.foo.apk")));
+    QFETCH(QString, package);
+    const QString rpm = QStringLiteral("mirlane-apk-") + package;
+    const QString id = rpm + QStringLiteral(";1.0-1;noarch;installed");
+    const QString apk = packaged(package + QStringLiteral(".apk"));
+    m_packageKit->setPackages(rpm, {id});
+    makeFile(apk);
     QVERIFY(m_world->start());
     QCOMPARE(remove(name), QStringLiteral("true"));
     // Filter: 1 << 2, installed. Flags: 1 << 1, only trusted. No dependants, no autoremove.
     QTRY_COMPARE(m_packageKit->callTexts(),
-        QStringList({QStringLiteral("Resolve(4, [mirlane-apk-com.foo])"),
+        QStringList({QStringLiteral("Resolve(4, [%1])").arg(rpm),
             QStringLiteral("RemovePackages(2, [%1], false, false)").arg(id)}));
     QCOMPARE(m_packageKit->transactions(), 2);
     QTRY_COMPARE(m_world->daemonLines(),
-        QStringList({QStringLiteral("debug removeFile: \"%1\"").arg(name),
-            willRemove(QStringLiteral("com.foo")),
-            requesting(QStringLiteral("mirlane-apk-com.foo"))}));
+        QStringList({QStringLiteral("debug removeFile: \"%1\"").arg(name), willRemove(package),
+            requesting(rpm)}));
     // The package's own scripts remove the apk.
-    QVERIFY(QFile::exists(packaged(QStringLiteral("com.foo.apk"))));
+    QVERIFY(QFile::exists(apk));
 }
 
 void TestRemove::everyReportedPackageIsRemoved()

@@ -147,7 +147,8 @@ void TestStagingFolders::incomingFolderGetsItsOwnerAndMode()
 void TestStagingFolders::staleFilesGoAndAllElseStays()
 {
     const QStringList stale{incoming(QStringLiteral("a.apk")),
-        incoming(QStringLiteral("b.apk.tmp")), incoming(QStringLiteral("\u00e4\nb"))};
+        incoming(QStringLiteral("b.apk.tmp")), incoming(QStringLiteral("\u00e4\nb")),
+        incoming(QStringLiteral(":x.apk"))};
     for (const QString &path : stale)
         makeFile(path);
     const QStringList kept{incoming(QStringLiteral("folder/c.apk")),
@@ -164,7 +165,7 @@ void TestStagingFolders::staleFilesGoAndAllElseStays()
         QCOMPARE(fileContents(path), QByteArray("kept"));
 
     QStringList expected{removing(stale.at(0)), removing(stale.at(1)), removing(linked),
-        removing(incoming(QStringLiteral("\u00e4\\nb")))};
+        removing(incoming(QStringLiteral("\u00e4\\nb"))), removing(stale.at(3))};
     expected.sort();
     QTRY_COMPARE(daemonLines().size(), expected.size());
     QStringList lines = daemonLines(); // the folder is not sorted

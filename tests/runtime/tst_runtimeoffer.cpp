@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "runtime/runtimeoffer.h"
 
+#include "tests/support/mounts.h"
 #include "tests/support/systemcalls.h"
 #include "tests/support/testmain.h"
 #include "tests/support/testnamespace.h"
@@ -8,6 +9,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -53,12 +55,35 @@ void setRepositories(const QByteArray &text)
     writeFile(QStringLiteral("/etc/lumd/platform/vsu.conf"), text);
 }
 
+/// A user of several groups, where the namespace has more than root.
+constexpr uint seatUser = 1234;
+
+void replaceUsersAndGroups()
+{
+    const QString users = QStringLiteral("/run/record/users");
+    const QString groups = QStringLiteral("/run/record/groups");
+    writeFile(users, "root:x:0:0::/:/bin/sh\nnemo:x:1234:4321::/:/bin/sh\n");
+    writeFile(groups, "root:x:0:\nnemo:x:4321:\nwifi:x:5001:nemo\nlog:x:5002:\ncar:x:5003:nemo\n");
+    Mounts::bind(users, QStringLiteral("/etc/passwd"));
+    Mounts::bind(groups, QStringLiteral("/etc/group"));
+}
+
 /// Puts a launcher in place that notes whose it is and what it was told, and then goes on.
 void replaceLauncher(const QByteArray &end)
 {
     TestNamespace::replaceProgram(launcherProgram,
-        "#!/bin/sh\n{ id -u; for word in \"$0\" \"$@\"; do echo \"$word\"; done; } > "
+        "#!/bin/sh\n{ id -u; id -g; id -G; for word in \"$0\" \"$@\"; do echo \"$word\"; done; } > "
             + record.toLatin1() + "\n" + end + "\n");
+}
+
+/// Those of this process, as the launcher notes them.
+QByteArray rootsIds()
+{
+    QProcess id;
+    id.start(
+        QStringLiteral("/bin/sh"), {QStringLiteral("-c"), QStringLiteral("id -u; id -g; id -G")});
+    id.waitForFinished();
+    return id.readAllStandardOutput();
 }
 
 QByteArray arguments()
@@ -132,7 +157,9 @@ private Q_SLOTS:
     void exitStatusOfTheLauncherIsTheResult();
     void killedLauncherIsReported();
     void missingLauncherBringsASecondCallerBack();
+    void refusedUserBringsASecondCallerBack_data();
     void refusedUserBringsASecondCallerBack();
+    void unknownUserBringsASecondCallerBack();
     void refusedForkIsReported();
     void lostChildIsReported();
 };
@@ -142,6 +169,7 @@ void TestRuntimeOffer::initTestCase()
     QVERIFY(QDir().mkpath(QStringLiteral("/run/record")));
     // The launcher of any user writes there.
     QCOMPARE(::chmod("/run/record", 01777), 0);
+    replaceUsersAndGroups();
 }
 
 void TestRuntimeOffer::init()
@@ -202,12 +230,13 @@ void TestRuntimeOffer::repositoriesAreReadAtEachCall()
 
 void TestRuntimeOffer::launcherRunsAsTheUserOfTheSeat()
 {
-    const uint user = SystemCalls::hasUser(1234) ? 1234 : 0;
-    TestNamespace::setActiveSession(user);
+    // Where there is but root, only that the launcher runs.
+    const bool hasUsers = SystemCalls::hasUser(seatUser);
+    TestNamespace::setActiveSession(hasUsers ? seatUser : 0);
     replaceLauncher("exit 0");
     const Offer outcome = offer();
-    QCOMPARE(readFile(record),
-        QByteArray::number(user) + "\n" + launcherProgram.toLatin1() + "\n" + arguments());
+    const QByteArray ids = hasUsers ? QByteArray("1234\n4321\n4321 5001 5003\n") : rootsIds();
+    QCOMPARE(readFile(record), ids + launcherProgram.toLatin1() + "\n" + arguments());
     QCOMPARE(outcome.returns, QByteArray("caller 0\n"));
     QCOMPARE(outcome.errors, QByteArray());
 }
@@ -216,7 +245,7 @@ void TestRuntimeOffer::launcherRunsAsRootWithoutASession()
 {
     replaceLauncher("exit 0");
     const Offer outcome = offer();
-    QCOMPARE(readFile(record), "0\n" + launcherProgram.toLatin1() + "\n" + arguments());
+    QCOMPARE(readFile(record), rootsIds() + launcherProgram.toLatin1() + "\n" + arguments());
     QCOMPARE(outcome.returns, QByteArray("caller 0\n"));
     QCOMPARE(outcome.errors, QByteArray());
 }
@@ -254,11 +283,34 @@ void TestRuntimeOffer::missingLauncherBringsASecondCallerBack()
     QCOMPARE(outcome.errors, QByteArray("Could not install ACL package: aliendalvik\n"));
 }
 
+void TestRuntimeOffer::refusedUserBringsASecondCallerBack_data()
+{
+    QTest::addColumn<uint>("user");
+    QTest::addColumn<long>("systemCall");
+    QTest::newRow("root") << 0U << long(SYS_setuid);
+    // In a namespace of root alone all of these are refused in any case.
+    QTest::newRow("user") << seatUser << long(SYS_setuid);
+    QTest::newRow("group") << seatUser << long(SYS_setgid);
+    QTest::newRow("groups") << seatUser << long(SYS_setgroups);
+}
+
 void TestRuntimeOffer::refusedUserBringsASecondCallerBack()
 {
-    TestNamespace::setActiveSession(0);
+    QFETCH(uint, user);
+    QFETCH(long, systemCall);
+    TestNamespace::setActiveSession(user);
     replaceLauncher("exit 0");
-    const Offer outcome = offer([] { SystemCalls::refuse({SYS_setuid}, EPERM); });
+    const Offer outcome = offer([systemCall] { SystemCalls::refuse({systemCall}, EPERM); });
+    QCOMPARE(outcome.returns, "copy 1\ncaller " + QByteArray::number(copysExitCode) + "\n");
+    QCOMPARE(outcome.errors, QByteArray("Could not setuid to logged-in user"));
+    QVERIFY(!QFile::exists(record));
+}
+
+void TestRuntimeOffer::unknownUserBringsASecondCallerBack()
+{
+    TestNamespace::setActiveSession(seatUser + 1);
+    replaceLauncher("exit 0");
+    const Offer outcome = offer();
     QCOMPARE(outcome.returns, "copy 1\ncaller " + QByteArray::number(copysExitCode) + "\n");
     QCOMPARE(outcome.errors, QByteArray("Could not setuid to logged-in user"));
     QVERIFY(!QFile::exists(record));
