@@ -48,10 +48,14 @@ File = collections.namedtuple("File", "data inode changed")
 
 @dataclasses.dataclass(frozen=True)
 class Line:
-    """One line of a unit's log; the priority is syslog's number, 7 for debug."""
+    """One line of a unit's log; the priority is syslog's number, 7 for debug.
+
+    The time is that of the handset's clock, in seconds.
+    """
 
     priority: int
     text: str
+    time: float
 
 
 class Device:
@@ -235,7 +239,18 @@ class Device:
                                   f"_SYSTEMD_UNIT={unit}", f"--priority={priority}",
                                   "--output=json", "--output-fields=PRIORITY,MESSAGE")
         entries = [json.loads(line) for line in output.splitlines()]
-        return [Line(int(entry["PRIORITY"]), entry["MESSAGE"]) for entry in entries]
+        return [Line(int(entry["PRIORITY"]), entry["MESSAGE"],
+                     int(entry["__REALTIME_TIMESTAMP"]) / 1e6) for entry in entries]
+
+    def warnings(self):
+        """What lumd warned of, or worse, since the ground state."""
+        return [line.text for line in self.log(priority="warning")]
+
+    def timeline(self, event):
+        """The runtime's events of one kind since the ground state, with the time of each."""
+        found = [{**json.loads(line.text), "time": line.time} for line in self.log(RUNTIME)
+                 if line.text.startswith("{")]
+        return [record for record in found if record["event"] == event]
 
     def runtime_errors(self):
         """What the runtime found wrong in what it was sent, since the ground state."""

@@ -48,6 +48,11 @@ SIGNAL_UNIT = "bus-signals.service"
 SIGNALS = "/run/bus-signals.jsonl"
 
 
+# The user's manager listens on a socket of its own, bus or no bus.
+AS_USER = "setpriv --reuid=1000 --regid=1000 --init-groups env XDG_RUNTIME_DIR=/run/user/1000"
+BUS_DAEMON = "pgrep --uid 1000 --exact dbus-daemon"
+
+
 class Session:
     """Looks at the session of the user on the seat."""
 
@@ -90,6 +95,13 @@ class Session:
         """What the home screen was told: the method and its arguments."""
         return self.lines(HOME_SCREEN_CALLS)
 
+    def hold_home_screen(self):
+        """Stops the home screen's process: it is on the bus, and answers nothing."""
+        self.machine.run("systemctl", "kill", "--signal=STOP", HOME_SCREEN_UNIT)
+
+    def continue_home_screen(self):
+        self.machine.run("systemctl", "kill", "--signal=CONT", HOME_SCREEN_UNIT)
+
     def watch_signals(self):
         """Starts to write down the signals of lumd."""
         self.machine.shell(
@@ -102,3 +114,22 @@ class Session:
         """The signals since then: name and arguments."""
         return [[line["member"], *line["payload"]["data"]] for line in self.lines(SIGNALS)
                 if line["type"] == "signal" and line["interface"] == device.BUS_NAME]
+
+    # The user's bus
+
+    def hold_bus(self):
+        """Stops the process of the user's bus: it accepts, and answers nothing."""
+        self.machine.shell(f"kill -STOP $({BUS_DAEMON})")
+
+    def continue_bus(self):
+        """Lets the bus go on."""
+        self.machine.shell(f"kill -CONT $({BUS_DAEMON})", check=False)
+
+    def end_bus(self):
+        """Takes the user's bus away, with its socket and all that is on it."""
+        self.machine.shell(f"{AS_USER} systemctl --user stop dbus.socket dbus.service")
+
+    def start_bus(self):
+        """Brings the user's bus back, and the notification server on it."""
+        self.machine.shell(f"{AS_USER} systemctl --user start dbus.socket && "
+                           f"{AS_USER} systemctl --user start notification-recorder.service")

@@ -8,9 +8,6 @@ from scenario import Scenario
 
 DOWNLOADS = "/home/handset/Downloads"
 
-# What the bus library says of the one method that has nobody behind it.
-NO_IS_RUNNING = "QMetaObject::invokeMethod: No such method LumDaemon::isRunning()"
-
 
 class AppScenario(Scenario):
     """Begins with a session that saw nothing, too."""

@@ -5,6 +5,9 @@ import apps
 import device
 from scenario import Scenario
 
+# How long, at most, services of a runtime that stays active are back before lumd knows.
+RECONNECT_SECONDS = 5
+
 
 class Runtime(Scenario):
     def registered(self):
@@ -74,6 +77,29 @@ class Runtime(Scenario):
         self.device.start_runtime()
         self.assertEqual(self.device.owner(), lumd)
         self.assert_files(apps.MAPS.files(), apps.NOTES.files())
+
+    def test_servicesThatCrashAloneAreFoundAgainAndGetWhatWasAskedMeanwhile(self):
+        self.device.start_runtime()
+        lumd = self.device.owner()
+        self.device.runtime("crash")
+        self.device.wait(lambda: len(self.device.warnings()) >= len(device.PERSISTENT_SERVICES),
+                         "lumd has seen them die")
+        self.expected_warnings = self.device.warnings()
+        self.assertEqual(sorted(self.expected_warnings),
+                         sorted(f"{service} died! Trying to reconnect."
+                                for service in device.PERSISTENT_SERVICES))
+        self.device.call("launchApp", "s", apps.MAPS.package)
+        self.device.call("removeFile", "s", apps.MAPS.package)
+        self.device.runtime("recover")
+        self.device.wait_event("delete", f"package={apps.MAPS.package}")
+        self.device.wait_event("call", "method=launchPackage")
+        back = max(event["time"] for event in self.device.timeline("registered"))
+        asked = [event["time"] for event in self.device.timeline("call")
+                 if event["method"] in ("deletePackageAsUser", "launchPackage")]
+        self.assertEqual(len(asked), 2)
+        self.assertLess(max(asked) - back, RECONNECT_SECONDS)
+        self.assertEqual(self.device.state(device.RUNTIME), "active")
+        self.assertEqual(self.device.owner(), lumd)
 
     def test_controlServiceStartsAndStopsTheRuntime(self):
         for user in ("root", "handset"):
