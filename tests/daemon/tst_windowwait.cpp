@@ -301,9 +301,14 @@ void TestWindowWait::linkIsNotTimedOutWithinAWait()
     FakeBinder::registerService(surfaceFlinger, inTurn({answer(false)}));
     WindowWait wait;
     LogCapture log;
-    QCOMPARE(measure(wait), longestWait);
+    // Where a timer that may be late or early comes out depends on the time of its start.
+    constexpr int waits = 20;
+    for (int i = 0; i < waits; ++i) {
+        QCOMPARE(measure(wait), longestWait);
+        turnFor(53);
+    }
     QCOMPARE(log.lines().filter(QStringLiteral("Timing out")), QStringList());
-    QCOMPARE(log.lines().filter(QStringLiteral("Connected to")).size(), 1);
+    QCOMPARE(log.lines().filter(QStringLiteral("Connected to")).size(), waits);
 }
 
 void TestWindowWait::destructionEndsAWait_data()
