@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "bench/plainfiles.h"
-#include "bench/twohundredlaunchers.h"
+#include "bench/samplelaunchers.h"
 #include "config/apkconfig.h"
 #include "launcher/desktopmanager.h"
 
@@ -11,7 +11,7 @@
 
 namespace {
 
-using namespace TwoHundredLaunchers;
+using namespace SampleLaunchers;
 
 struct FileContents
 {
@@ -31,9 +31,9 @@ QVector<FileContents> contents(const std::vector<std::string> &paths)
     return files;
 }
 
-void announcedAgain(benchmark::State &state)
+void announcedAgain(benchmark::State &state, int count)
 {
-    const QVector<ApkLauncher> all = launchers();
+    const QVector<ApkLauncher> all = launchers(count);
     DesktopManager manager{ApkConfig()};
     announce(manager, all);
     for (auto _ : state)
@@ -41,9 +41,9 @@ void announcedAgain(benchmark::State &state)
     removeFiles(generatedFiles(manager, all));
 }
 
-void readingTheFiles(benchmark::State &state)
+void readingTheFiles(benchmark::State &state, int count)
 {
-    const QVector<ApkLauncher> all = launchers();
+    const QVector<ApkLauncher> all = launchers(count);
     DesktopManager manager{ApkConfig()};
     announce(manager, all);
     const std::vector<std::string> files = generatedFiles(manager, all);
@@ -53,9 +53,9 @@ void readingTheFiles(benchmark::State &state)
     removeFiles(files);
 }
 
-void announcedFirst(benchmark::State &state)
+void announcedFirst(benchmark::State &state, int count)
 {
-    const QVector<ApkLauncher> all = launchers();
+    const QVector<ApkLauncher> all = launchers(count);
     for (auto _ : state) {
         state.PauseTiming();
         DesktopManager manager{ApkConfig()};
@@ -67,9 +67,9 @@ void announcedFirst(benchmark::State &state)
     }
 }
 
-void writingTheFiles(benchmark::State &state)
+void writingTheFiles(benchmark::State &state, int count)
 {
-    const QVector<ApkLauncher> all = launchers();
+    const QVector<ApkLauncher> all = launchers(count);
     DesktopManager manager{ApkConfig()};
     announce(manager, all);
     const std::vector<std::string> paths = generatedFiles(manager, all);
@@ -88,9 +88,26 @@ void writingTheFiles(benchmark::State &state)
     }
 }
 
-BENCHMARK(announcedAgain)->Name("again/subject")->Unit(benchmark::kMicrosecond);
-BENCHMARK(readingTheFiles)->Name("again/yardstick")->Unit(benchmark::kMicrosecond);
-BENCHMARK(announcedFirst)->Name("first/subject")->Unit(benchmark::kMicrosecond);
-BENCHMARK(writingTheFiles)->Name("first/yardstick")->Unit(benchmark::kMicrosecond);
+// The runs of 2,000 tell whether the cost of one launcher depends on how many there are.
+BENCHMARK_CAPTURE(announcedAgain, 200, 200)->Name("again/subject")->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(readingTheFiles, 200, 200)
+    ->Name("again/yardstick")
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(announcedFirst, 200, 200)->Name("first/subject")->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(writingTheFiles, 200, 200)
+    ->Name("first/yardstick")
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(announcedAgain, 2000, 2000)
+    ->Name("again2000/subject")
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(readingTheFiles, 2000, 2000)
+    ->Name("again2000/yardstick")
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(announcedFirst, 2000, 2000)
+    ->Name("first2000/subject")
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(writingTheFiles, 2000, 2000)
+    ->Name("first2000/yardstick")
+    ->Unit(benchmark::kMicrosecond);
 
 } // namespace

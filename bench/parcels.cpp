@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "bench/localcall.h"
-#include "bench/twohundredlaunchers.h"
+#include "bench/samplelaunchers.h"
 #include "binder/alienbinderparcel.h"
 #include "tests/support/fakegbinder/parcelwriter.h"
 
@@ -13,7 +13,7 @@ namespace {
 
 QByteArray announcement()
 {
-    const ApkLauncher launcher = TwoHundredLaunchers::launchers().first();
+    const ApkLauncher launcher = SampleLaunchers::launchers(1).first();
     return FakeBinder::ParcelWriter()
         .string16(launcher.packageName)
         .string16(launcher.className)

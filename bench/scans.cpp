@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "bench/plainfiles.h"
-#include "bench/twohundredlaunchers.h"
+#include "bench/samplelaunchers.h"
 #include "config/apkconfig.h"
 #include "config/paths.h"
 #include "launcher/desktopmanager.h"
@@ -9,11 +9,11 @@
 
 namespace {
 
-using namespace TwoHundredLaunchers;
+using namespace SampleLaunchers;
 
-void launchersComplete(benchmark::State &state)
+void launchersComplete(benchmark::State &state, int count)
 {
-    const QVector<ApkLauncher> all = launchers();
+    const QVector<ApkLauncher> all = launchers(count);
     DesktopManager manager{ApkConfig()};
     announce(manager, all);
     for (auto _ : state)
@@ -21,9 +21,9 @@ void launchersComplete(benchmark::State &state)
     removeFiles(generatedFiles(manager, all));
 }
 
-void readingTheEntries(benchmark::State &state)
+void readingTheEntries(benchmark::State &state, int count)
 {
-    const QVector<ApkLauncher> all = launchers();
+    const QVector<ApkLauncher> all = launchers(count);
     DesktopManager manager{ApkConfig()};
     announce(manager, all);
     const std::vector<std::string> entries = desktopEntries(manager, all);
@@ -35,7 +35,17 @@ void readingTheEntries(benchmark::State &state)
     removeFiles(generatedFiles(manager, all));
 }
 
-BENCHMARK(launchersComplete)->Name("complete/subject")->Unit(benchmark::kMicrosecond);
-BENCHMARK(readingTheEntries)->Name("complete/yardstick")->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(launchersComplete, 200, 200)
+    ->Name("complete/subject")
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(readingTheEntries, 200, 200)
+    ->Name("complete/yardstick")
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(launchersComplete, 2000, 2000)
+    ->Name("complete2000/subject")
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(readingTheEntries, 2000, 2000)
+    ->Name("complete2000/yardstick")
+    ->Unit(benchmark::kMicrosecond);
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QRegExp>
+#include <QStringBuilder>
 
 namespace {
 
@@ -61,8 +62,11 @@ QString iconPathFor(const QString &desktopPath)
 
 QString settingsEntryPathFor(const QString &desktopPath)
 {
-    return QLatin1String(Paths::settingsEntries) + QFileInfo(desktopPath).completeBaseName()
-        + QLatin1String(".json");
+    const QStringView name =
+        QStringView(desktopPath).mid(desktopPath.lastIndexOf(QLatin1Char('/')) + 1);
+    const auto suffix = name.lastIndexOf(QLatin1Char('.'));
+    return QLatin1String(Paths::settingsEntries) % name.left(suffix < 0 ? name.size() : suffix)
+        % QLatin1String(".json");
 }
 
 QString pathInFolder(const QDir &dir, const QString &name)

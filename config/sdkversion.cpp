@@ -6,6 +6,9 @@
 #include <QFile>
 #include <QStringList>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 namespace {
 
 constexpr char runtimeDir[] = "/opt/alien/";
@@ -14,8 +17,14 @@ qint32 cachedSdkVersion = 0;
 // The system properties that an Android image is built with (build.prop).
 qint32 readSdkVersion(const QString &buildProperties)
 {
-    QFile file(buildProperties);
-    if (!file.open(QIODevice::ReadOnly))
+    // Without O_NONBLOCK a FIFO would be waited for, until somebody writes into it.
+    const int descriptor =
+        open(QFile::encodeName(buildProperties).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    QFile file;
+    if (descriptor < 0 || !file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
+        return 0;
+    struct stat status = {};
+    if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode))
         return 0;
     while (!file.atEnd()) {
         const QStringList parts =

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "fuzz/setup.h"
+#include "launcher/controlcharacters.h"
 #include "launcher/desktopentry.h"
 #include "launcher/desktopmanager.h"
 
@@ -18,11 +19,11 @@ QString firstPackage(const QByteArray &list)
     return {};
 }
 
-// A name that makes a file of its own: not too long, not in a folder, not cut.
+// A name that makes a file: not too long, and none that is refused.
 bool makesFileName(const QString &package)
 {
     return package.size() < 50 && !package.contains(QLatin1Char('/'))
-        && !package.contains(QChar(0));
+        && !holdsControlCharacters(package);
 }
 
 } // namespace

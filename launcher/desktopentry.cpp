@@ -1,99 +1,164 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "launcher/desktopentry.h"
 
+#include "launcher/controlcharacters.h"
 #include "launcher/fileoperations.h"
 #include "launcher/logging.h"
+#include "launcher/utf8.h"
 
 #include <QFile>
 #include <QSaveFile>
-#include <QStringBuilder>
-#include <QStringView>
 
 namespace {
 
 constexpr char groupHeader[] = "[Desktop Entry]";
+constexpr char groupHeaderLine[] = "[Desktop Entry]\n";
 
-// Calls visit(key, value) for each line that holds one, in the order of the file. The views
-// live as long as the call. False when there is no such file.
-template <typename Visitor> bool readEntry(const QString &fileName, Visitor visit)
+// Takes a line off the front of the text.
+std::string_view takeLine(std::string_view &text)
 {
-    bool isMissing = false;
-    const std::optional<QByteArray> bytes = readFile(fileName, &isMissing);
-    if (!bytes)
-        return !isMissing && QFile::exists(fileName);
-    const QString text = QString::fromUtf8(bytes->constData(), bytes->size());
-    bool inEntry = false;
-    for (int start = 0, end = 0; start < text.size(); start = end + 1) {
-        end = text.indexOf(QLatin1Char('\n'), start);
-        if (end < 0)
-            end = text.size();
-        QStringView line = QStringView(text).mid(start, end - start);
-        if (line.endsWith(QLatin1Char('\r')))
-            line.chop(1);
-        const auto separator = line.indexOf(QLatin1Char('='));
-        if (!inEntry)
-            inEntry = line == QLatin1String(groupHeader);
-        else if (separator >= 0)
-            visit(line.left(separator), line.mid(separator + 1));
-    }
-    return true;
+    std::string_view line = text.substr(0, text.find('\n'));
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+    if (!line.empty() && line.back() == '\r')
+        line.remove_suffix(1);
+    return line;
 }
 
-void warnOfMissingKey(const QString &fileName, const QString &key)
+// Where in the text the value of the last line of the key begins.
+std::size_t valueStart(std::string_view text, std::string_view key)
 {
-    qCWarning(launcherLog) << "File" << fileName << "does not have key:" << key;
+    std::size_t found = text.rfind(key);
+    while (found != std::string_view::npos && found > 0) {
+        const std::size_t behind = found + key.size();
+        if (text[found - 1] == '\n' && behind < text.size() && text[behind] == '=')
+            return behind + 1;
+        found = text.rfind(key, found - 1);
+    }
+    return std::string_view::npos;
 }
 
 } // namespace
 
 DesktopEntry::DesktopEntry(const QString &fileName) : m_fileName(fileName)
 {
-    // Saved entries are in order, so that each key belongs at the end.
-    m_isNew = !readEntry(fileName, [this](QStringView key, QStringView value) {
-        m_values.insert(m_values.constEnd(), key.toString(), value.toString());
-    });
+    bool isMissing = false;
+    const std::optional<QByteArray> bytes = readFile(fileName, &isMissing);
+    if (bytes)
+        m_loaded = *bytes;
+    else
+        m_isNew = isMissing || !QFile::exists(fileName);
 }
 
 DesktopEntry::~DesktopEntry()
 {
-    if (m_dirty)
+    if (m_isDirty)
         save();
+}
+
+template <typename Visitor> void DesktopEntry::readLines(std::string_view text, Visitor visit)
+{
+    bool inEntry = false;
+    while (!text.empty()) {
+        const std::string_view line = takeLine(text);
+        const std::size_t separator = line.find('=');
+        if (!inEntry)
+            inEntry = line == groupHeader;
+        else if (separator != std::string_view::npos)
+            visit(Line{line, separator});
+    }
+}
+
+void DesktopEntry::parse() const
+{
+    if (m_isParsed)
+        return;
+    m_isParsed = true;
+    // Decoded and encoded again, the text is valid and without a byte order mark.
+    if (!Utf8::isAscii(Utf8::view(m_loaded)))
+        m_loaded = QString::fromUtf8(m_loaded.constData(), m_loaded.size()).toUtf8();
+    readLines(Utf8::view(m_loaded), [this](const Line &line) { insert(line); });
+}
+
+void DesktopEntry::insert(const Line &line) const
+{
+    // Saved entries are in order, so that each line belongs at the end.
+    auto place = m_lines.end();
+    if (!m_lines.empty() && !Utf8::isBefore(m_lines.back().key(), line.key()))
+        place = std::lower_bound(
+            m_lines.begin(), m_lines.end(), line, [](const Line &left, const Line &right) {
+                return Utf8::isBefore(left.key(), right.key());
+            });
+    if (place != m_lines.end() && place->key() == line.key())
+        *place = line;
+    else
+        m_lines.insert(place, line);
+}
+
+DesktopEntry::Lines::const_iterator DesktopEntry::find(std::string_view key) const
+{
+    parse();
+    return std::find_if(
+        m_lines.cbegin(), m_lines.cend(), [&](const Line &line) { return line.key() == key; });
 }
 
 QString DesktopEntry::value(const QString &key) const
 {
-    const auto found = m_values.constFind(key);
-    if (found != m_values.constEnd())
-        return *found;
-    warnOfMissingKey(m_fileName, key);
-    return {};
+    const QByteArray name = key.toUtf8();
+    const auto found = find(Utf8::view(name));
+    if (found == m_lines.cend()) {
+        qCWarning(launcherLog) << "File" << m_fileName << "does not have key:" << key;
+        return {};
+    }
+    // With the separator in front, since a byte order mark at the very front would be lost.
+    const std::string_view tail = found->text.substr(found->separator);
+    return QString::fromUtf8(tail.data(), static_cast<int>(tail.size())).mid(1);
 }
 
-QString DesktopEntry::readValue(const QString &fileName, const QString &key)
+QString DesktopEntry::readValue(const QString &fileName, const char *key)
 {
-    QString found;
-    readEntry(fileName, [&](QStringView candidate, QStringView value) {
-        if (candidate == key)
-            found = value.toString();
-    });
-    if (found.isNull())
-        warnOfMissingKey(fileName, key);
-    return found;
+    // In a file that begins as lumd writes it every line counts, and the last of the key wins.
+    const QByteArray bytes = readFile(fileName).value_or(QByteArray());
+    const std::string_view text = Utf8::view(bytes);
+    const std::size_t start = valueStart(text, key);
+    if (bytes.startsWith(groupHeaderLine) && start != std::string_view::npos) {
+        std::string_view rest = text.substr(start);
+        const std::string_view value = takeLine(rest);
+        if (Utf8::isAscii(value))
+            return QString::fromLatin1(value.data(), static_cast<int>(value.size()));
+    }
+    return DesktopEntry(fileName).value(QLatin1String(key));
 }
 
 void DesktopEntry::setValue(const QString &key, const QString &value)
 {
-    const auto found = m_values.constFind(key);
-    if (found != m_values.constEnd() && *found == value)
+    const QByteArray name = key.toUtf8();
+    m_set.append(name + '=' + withoutControlCharacters(value).toUtf8());
+    set({Utf8::view(m_set.last()), static_cast<std::size_t>(name.size())});
+}
+
+void DesktopEntry::set(const Line &line)
+{
+    const auto found = find(line.key());
+    if (found != m_lines.cend() && found->value() == line.value())
         return;
-    m_values.insert(key, value);
-    m_dirty = true;
+    insert(line);
+    m_isDirty = true;
 }
 
 void DesktopEntry::remove(const QString &key)
 {
-    if (m_values.remove(key) > 0)
-        m_dirty = true;
+    const QByteArray name = key.toUtf8();
+    const auto found = find(Utf8::view(name));
+    if (found == m_lines.cend())
+        return;
+    m_lines.erase(found);
+    m_isDirty = true;
+}
+
+void DesktopEntry::setAll(const QByteArray &text)
+{
+    m_set.append(text);
+    readLines(Utf8::view(text), [this](const Line &line) { set(line); });
 }
 
 void DesktopEntry::save() const
@@ -104,10 +169,9 @@ void DesktopEntry::save() const
         qCWarning(launcherLog) << "Could not open" << m_fileName << "for writing";
         return;
     }
-    QString text = QLatin1String(groupHeader) + QLatin1Char('\n');
-    for (auto entry = m_values.constBegin(); entry != m_values.constEnd(); ++entry)
-        text += entry.key() % QLatin1Char('=') % entry.value() % QLatin1Char('\n');
-    const QByteArray bytes = text.toUtf8();
+    QByteArray bytes(groupHeaderLine);
+    for (const Line &line : m_lines)
+        bytes.append(line.text.data(), static_cast<int>(line.text.size())).append('\n');
     // The commit alone would put a file in place that a full disk has cut short.
     if (file.write(bytes) != bytes.size() || !file.flush())
         file.cancelWriting();

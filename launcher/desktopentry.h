@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <QMap>
+#include <QByteArray>
 #include <QString>
+#include <QVector>
+
+#include <string_view>
+#include <vector>
 
 /// One desktop entry file (freedesktop Desktop Entry format), loaded at construction and
 /// saved at destruction when anything has changed. A file that is missing or cannot be read
@@ -24,15 +28,40 @@ public:
     /// The value of @p key. A null string, with a warning, when the entry lacks it.
     QString value(const QString &key) const;
     /// The same for the entry in the file @p fileName, without making an object of the rest.
-    static QString readValue(const QString &fileName, const QString &key);
+    /// @p key is plain ASCII.
+    static QString readValue(const QString &fileName, const char *key);
+    /// Blanks take the place of control characters in @p value, so that it stays on its line.
     void setValue(const QString &key, const QString &value);
     void remove(const QString &key);
+    /// Whether the file holds the bytes @p text, so that setAll() would change nothing.
+    bool isSavedAs(const QByteArray &text) const { return !m_isDirty && m_loaded == text; }
+    /// Sets every key of @p text, an entry as it is saved.
+    void setAll(const QByteArray &text);
 
 private:
+    struct Line
+    {
+        std::string_view text; // without what ends it
+        std::size_t separator; // where in the text the "=" behind the key is
+
+        std::string_view key() const { return text.substr(0, separator); }
+        std::string_view value() const { return text.substr(separator + 1); }
+    };
+    using Lines = std::vector<Line>;
+
+    template <typename Visitor> static void readLines(std::string_view text, Visitor visit);
+    void parse() const;
+    void insert(const Line &line) const; // in the place of one of the same key
+    Lines::const_iterator find(std::string_view key) const;
+    void set(const Line &line);
     void save() const;
 
     const QString m_fileName;
-    QMap<QString, QString> m_values;
-    bool m_dirty = false;
+    // What the lines are views of: the file, and what has been set since.
+    mutable QByteArray m_loaded;
+    QVector<QByteArray> m_set;
+    mutable Lines m_lines; // in the order of their keys, once they are asked for
+    mutable bool m_isParsed = false;
+    bool m_isDirty = false;
     bool m_isNew = false;
 };

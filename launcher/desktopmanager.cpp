@@ -3,20 +3,20 @@
 
 #include "config/launchernames.h"
 #include "config/paths.h"
+#include "launcher/controlcharacters.h"
 #include "launcher/desktopentry.h"
 #include "launcher/fileoperations.h"
+#include "launcher/generatedprefix.h"
+#include "launcher/leftovers.h"
 #include "launcher/logging.h"
 #include "launcher/settingsentry.h"
 
 #include <QDir>
 #include <QFile>
-#include <QSet>
 #include <QStringBuilder>
 
 namespace {
 
-// The names of generated desktop entries, around that of the launcher.
-constexpr char entryPrefix[] = "lumd_launcher_";
 constexpr char entrySuffix[] = ".desktop";
 
 constexpr char fixedBlacklist[] = "/etc/lumd/app-blacklist";
@@ -27,15 +27,25 @@ constexpr char nameKey[] = "Name";
 constexpr char noDisplayKey[] = "NoDisplay";
 constexpr char packageNameKey[] = "X-lumd-packageName";
 
-QString generatedFileName(const QString &launcherName)
+// Whether the name stays within the folder and on the line that it is written to.
+bool isPlainName(const QString &name)
 {
-    return QLatin1String(entryPrefix) % launcherName % QLatin1String(entrySuffix);
+    return !name.contains(QLatin1Char('/')) && !holdsControlCharacters(name);
+}
+
+QString generatedName(const ApkLauncher &launcher)
+{
+    return QLatin1String(generatedPrefix)
+        % escapeLauncherName(launcher.packageName, launcher.className);
 }
 
 bool isPartnerSpacePackage(const QString &packageName)
 {
-    return unversionedApkExists(
-        QDir(QLatin1String(Paths::partnerSpace)), packageName + QLatin1String(".apk"));
+    const QString apk = packageName % QLatin1String(".apk");
+    const QLatin1String folder(Paths::partnerSpace);
+    // Only behind a dash can there be a number to be left out.
+    return apk.contains(QLatin1Char('-')) ? unversionedApkExists(QDir(folder), apk)
+                                          : fileExists(folder % apk);
 }
 
 void writeIcon(const QString &iconPath, const QByteArray &icon)
@@ -44,15 +54,10 @@ void writeIcon(const QString &iconPath, const QByteArray &icon)
         qCWarning(launcherLog) << "Unable to write icon:" << iconPath;
 }
 
-void removeFile(const QString &path)
-{
-    if (!QFile::remove(path))
-        qCWarning(launcherLog) << "Could not remove:" << path;
-}
-
 } // namespace
 
-DesktopManager::DesktopManager(const ApkConfig &config) : m_config(config)
+DesktopManager::DesktopManager(const ApkConfig &config)
+    : m_apkFolder(withoutControlCharacters(config.path(AppDir)).toUtf8())
 {
     if (!QDir().mkpath(QLatin1String(Paths::icons)))
         qCWarning(launcherLog) << "Cannot create directory:" << Paths::icons;
@@ -62,11 +67,9 @@ DesktopManager::DesktopManager(const ApkConfig &config) : m_config(config)
 
 void DesktopManager::readBlacklist(const QString &path)
 {
-    QFile file(path);
-    if (path.isEmpty() || !file.open(QIODevice::ReadOnly))
-        return;
-    while (!file.atEnd()) {
-        const QString package = QString::fromUtf8(file.readLine()).trimmed();
+    const QList<QByteArray> lines = readFile(path).value_or(QByteArray()).split('\n');
+    for (const QByteArray &line : lines) {
+        const QString package = QString::fromUtf8(line).trimmed();
         if (!package.isEmpty())
             m_blacklist.append(package);
     }
@@ -74,21 +77,26 @@ void DesktopManager::readBlacklist(const QString &path)
 
 QString DesktopManager::desktopFilePath(const ApkLauncher &launcher) const
 {
-    return QLatin1String(Paths::applications)
-        + generatedFileName(escapeLauncherName(launcher.packageName, launcher.className));
+    return QLatin1String(Paths::applications) % generatedName(launcher)
+        % QLatin1String(entrySuffix);
+}
+
+std::vector<DesktopManager::Installed> DesktopManager::scan() const
+{
+    const QStringList paths = listFiles(QLatin1String(Paths::applications),
+        QLatin1String(generatedPrefix), QLatin1String(entrySuffix));
+    std::vector<Installed> installed;
+    installed.reserve(static_cast<std::size_t>(paths.size()));
+    for (const QString &path : paths)
+        installed.push_back({DesktopEntry::readValue(path, packageNameKey), path});
+    return installed;
 }
 
 QMap<QString, QStringList> DesktopManager::installedLaunchers() const
 {
     QMap<QString, QStringList> installed;
-    const QString folder = QLatin1String(Paths::applications);
-    const QStringList names =
-        listFiles(folder, QLatin1String(entryPrefix), QLatin1String(entrySuffix));
-    for (const QString &name : names) {
-        const QString path = folder + name;
-        const QString package = DesktopEntry::readValue(path, QLatin1String(packageNameKey));
-        installed[package].append(path);
-    }
+    for (const Installed &each : scan())
+        installed[each.packageName].append(each.path);
     return installed;
 }
 
@@ -128,23 +136,37 @@ QString DesktopManager::appName(const QString &package) const
 
 void DesktopManager::onCreateLauncher(const ApkLauncher &launcher)
 {
-    const QString desktopPath = desktopFilePath(launcher);
-    DesktopEntry entry(desktopPath);
+    const QString name = generatedName(launcher);
+    const QString desktopPath =
+        QLatin1String(Paths::applications) % name % QLatin1String(entrySuffix);
     qCDebug(launcherLog) << "onCreateLauncher:" << desktopPath;
     if (launcher.caption.isEmpty()) {
         qCWarning(launcherLog) << "Not creating launcher for " << desktopPath
                                << ", as it has no caption";
         return;
     }
-    track(launcher);
+    if (!isPlainName(launcher.packageName) || !isPlainName(launcher.className)) {
+        qCWarning(launcherLog) << "Not creating launcher for " << desktopPath
+                               << ", as its package or class holds a slash or a control character";
+        return;
+    }
+    m_announced.add(launcher, desktopPath);
 
-    fillEntry(entry, launcher);
+    DesktopEntry entry(desktopPath);
+    // What iconPathFor() gives: there is no slash in the name, and no dot is left.
+    const QString iconPath = QLatin1String(Paths::icons) % name % QLatin1String(".png");
+    const bool isHidden = m_blacklist.contains(launcher.packageName);
+    const QByteArray text = entryText(launcher, iconPath, isHidden);
+    if (!entry.isSavedAs(text)) {
+        entry.setAll(text);
+        if (!isHidden)
+            entry.remove(QLatin1String(noDisplayKey));
+        entry.remove(QStringLiteral("X-Tesk-Single-Instance"));
+    }
 
-    const QString iconPath = iconPathFor(desktopPath);
     qCDebug(launcherLog) << "iconfilename:" << iconPath;
     if (entry.isNew() || fileDiffers(iconPath, launcher.icon))
         writeIcon(iconPath, launcher.icon);
-    entry.setValue(QStringLiteral("Icon"), iconPath);
 
     if (isPartnerSpacePackage(launcher.packageName)) {
         entry.setValue(QLatin1String(noDisplayKey), QStringLiteral("true"));
@@ -156,30 +178,33 @@ void DesktopManager::onCreateLauncher(const ApkLauncher &launcher)
         Q_EMIT newApplicationInstalled(launcher);
 }
 
-void DesktopManager::track(const ApkLauncher &launcher)
+QByteArray DesktopManager::entryText(
+    const ApkLauncher &launcher, const QString &iconPath, bool isHidden) const
 {
-    // One at the most: every record has come in here.
-    m_launchers.removeOne(launcher);
-    m_launchers.append(launcher);
-}
-
-void DesktopManager::fillEntry(DesktopEntry &entry, const ApkLauncher &launcher) const
-{
-    entry.setValue(QStringLiteral("Version"), QStringLiteral("1.0"));
-    entry.setValue(QStringLiteral("Type"), QStringLiteral("Application"));
-    entry.setValue(QLatin1String(nameKey), launcher.caption);
-    if (m_blacklist.contains(launcher.packageName))
-        entry.setValue(QLatin1String(noDisplayKey), QStringLiteral("true"));
-    else
-        entry.remove(QLatin1String(noDisplayKey));
-    entry.setValue(QStringLiteral("X-lumd-apkfile"),
-        m_config.path(AppDir) % QLatin1Char('/') % launcher.packageName % QLatin1String(".apk"));
-    entry.setValue(QLatin1String(packageNameKey), launcher.packageName);
-    entry.remove(QStringLiteral("X-Tesk-Single-Instance"));
-    entry.setValue(QStringLiteral("X-Tesk-Application-Type"), QStringLiteral("no-invoker"));
-    entry.setValue(QStringLiteral("Exec"),
-        QLatin1String("lumd-launcher ") % launcher.packageName % QLatin1String(".apk ")
-            % launcher.packageName % QLatin1Char('/') % launcher.className);
+    const QByteArray package = launcher.packageName.toUtf8();
+    QByteArray text;
+    text.reserve(1024);
+    text += "[Desktop Entry]\nExec=lumd-launcher ";
+    text += package;
+    text += ".apk ";
+    text += package;
+    text += '/';
+    text += launcher.className.toUtf8();
+    text += "\nIcon=";
+    text += iconPath.toUtf8();
+    text += "\nName=";
+    text += withoutControlCharacters(launcher.caption).toUtf8();
+    if (isHidden)
+        text += "\nNoDisplay=true";
+    text += "\nType=Application\nVersion=1.0\nX-Tesk-Application-Type=no-invoker"
+            "\nX-lumd-apkfile=";
+    text += m_apkFolder;
+    text += '/';
+    text += package;
+    text += ".apk\nX-lumd-packageName=";
+    text += package;
+    text += '\n';
+    return text;
 }
 
 void DesktopManager::onRemovePackage(const QString &package)
@@ -188,33 +213,23 @@ void DesktopManager::onRemovePackage(const QString &package)
     const QStringList paths = installedLaunchers().value(package);
     for (const QString &path : paths)
         deleteLauncher(path);
-
-    // Looks at every second record only, so records of the package can stay behind. That is
-    // the settled behaviour: a record that stays keeps its files from being taken for stale.
-    int index = 0;
-    while (index < m_launchers.size()) {
-        if (m_launchers.at(index).packageName == package) {
-            m_launchers.removeAt(index);
-            index += 1;
-        } else {
-            index += 2;
-        }
-    }
+    m_announced.removePackage(package);
 }
 
 void DesktopManager::onLaunchersComplete()
 {
-    QSet<QString> expected;
-    for (const ApkLauncher &launcher : qAsConst(m_launchers))
-        expected.insert(desktopFilePath(launcher));
-
-    const QMap<QString, QStringList> installed = installedLaunchers();
-    for (const QStringList &paths : installed) {
-        for (const QString &path : paths) {
-            if (!expected.contains(path))
-                deleteLauncher(path);
-        }
+    QMap<QString, QStringList> stale;
+    for (const Installed &each : scan()) {
+        if (!m_announced.haveEntry(each.path))
+            stale[each.packageName].append(each.path);
     }
+    for (const QStringList &paths : qAsConst(stale)) {
+        for (const QString &path : paths)
+            deleteLauncher(path);
+    }
+    if (!m_isSwept)
+        removeLeftovers();
+    m_isSwept = true;
 }
 
 void DesktopManager::deleteLauncher(const QString &desktopPath)

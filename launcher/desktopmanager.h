@@ -2,14 +2,14 @@
 #pragma once
 
 #include "config/apkconfig.h"
+#include "launcher/announcedlaunchers.h"
 #include "launcher/apklauncher.h"
 
-#include <QList>
 #include <QMap>
 #include <QObject>
 #include <QStringList>
 
-class DesktopEntry;
+#include <vector>
 
 /// Keeps the session's application list in step with the launchers that the Android runtime
 /// announces: for each a desktop entry, an icon and a settings entry. The files are the only
@@ -48,17 +48,28 @@ Q_SIGNALS:
     void newApplicationInstalled(const ApkLauncher &launcher);
 
 public Q_SLOTS:
+    /// A launcher is refused, with a warning, when it has no caption or when its package or
+    /// class cannot be part of a file name and of a line.
     void onCreateLauncher(const ApkLauncher &launcher);
     void onRemovePackage(const QString &package);
-    /// Removes every generated entry that was not announced since the process started.
+    /// Removes every generated entry that was not announced since the process started; the
+    /// first time also what a killed process left behind in the middle of its writes.
     void onLaunchersComplete();
 
 private:
+    struct Installed
+    {
+        QString packageName;
+        QString path;
+    };
+
     void readBlacklist(const QString &path);
-    void track(const ApkLauncher &launcher);
-    void fillEntry(DesktopEntry &entry, const ApkLauncher &launcher) const;
+    std::vector<Installed> scan() const;
+    // What the entry is that holds nothing but the launcher's own keys.
+    QByteArray entryText(const ApkLauncher &launcher, const QString &iconPath, bool isHidden) const;
 
     QStringList m_blacklist;
-    QList<ApkLauncher> m_launchers;
-    const ApkConfig m_config;
+    AnnouncedLaunchers m_announced;
+    bool m_isSwept = false;
+    const QByteArray m_apkFolder; // as it stands in the entries
 };

@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "launcher/fileoperations.h"
 
+#include "launcher/logging.h"
+#include "launcher/utf8.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QStringBuilder>
 
 #include <algorithm>
 #include <cerrno>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include <dirent.h>
@@ -39,7 +44,7 @@ struct CloseDirectory
 std::optional<QByteArray> readOpenFile(int descriptor)
 {
     struct stat status = {};
-    if (fstat(descriptor, &status) != 0 || status.st_size > largestFile)
+    if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > largestFile)
         return {};
     // One byte more than there should be: a read that does not fill the space has met the
     // end of the file.
@@ -51,12 +56,57 @@ std::optional<QByteArray> readOpenFile(int descriptor)
     return bytes;
 }
 
-bool isFileOrFolder(const dirent &entry, const QString &folder, const QString &name)
+// The same as QFile::encodeName, which asks for the codec each time.
+QByteArray encoded(const QString &path)
+{
+    const QByteArray latin1 = path.toLatin1();
+    return QLatin1String(latin1) == path && Utf8::isAscii(Utf8::view(latin1))
+        ? latin1
+        : QFile::encodeName(path);
+}
+
+bool isFileOrFolder(const dirent &entry, const QString &path)
 {
     if (entry.d_type == DT_REG || entry.d_type == DT_DIR)
         return true;
-    const QFileInfo target(folder + name);
+    const QFileInfo target(path);
     return target.isFile() || target.isDir() || (target.isSymLink() && target.exists());
+}
+
+struct Found
+{
+    std::string sortKey;
+    QString path;
+};
+
+// For a name that is plain ASCII, as nearly all are.
+std::optional<Found> matchAscii(
+    std::string_view name, QLatin1String folder, QLatin1String prefix, QLatin1String suffix)
+{
+    const auto around = static_cast<std::size_t>(prefix.size() + suffix.size());
+    if (name.size() < around
+        || qstrnicmp(name.data(), prefix.data(), static_cast<uint>(prefix.size())) != 0
+        || qstricmp(name.data() + name.size() - suffix.size(), suffix.data()) != 0)
+        return {};
+    Found found{
+        std::string(name), folder % QLatin1String(name.data(), static_cast<int>(name.size()))};
+    for (char &byte : found.sortKey) {
+        if (byte >= 'A' && byte <= 'Z')
+            byte = static_cast<char>(byte - 'A' + 'a');
+    }
+    return found;
+}
+
+std::optional<Found> match(
+    const char *bytes, QLatin1String folder, QLatin1String prefix, QLatin1String suffix)
+{
+    if (Utf8::isAscii(bytes))
+        return matchAscii(bytes, folder, prefix, suffix);
+    const QString name = QFile::decodeName(bytes);
+    if (!name.startsWith(prefix, Qt::CaseInsensitive) || !name.endsWith(suffix, Qt::CaseInsensitive)
+        || QFile::encodeName(name) != bytes)
+        return {};
+    return Found{Utf8::sortKey(Utf8::view(name.toLower().toUtf8())), folder % name};
 }
 
 } // namespace
@@ -68,7 +118,8 @@ std::optional<QByteArray> readFile(const QString &path, bool *isMissing)
     // The system would take the name for one that ends there.
     if (path.contains(QChar::Null))
         return {};
-    const OpenFile file{open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC)};
+    // Without O_NONBLOCK a FIFO would be waited for, until somebody writes into it.
+    const OpenFile file{open(encoded(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)};
     if (file.descriptor >= 0)
         return readOpenFile(file.descriptor);
     if (isMissing)
@@ -76,30 +127,28 @@ std::optional<QByteArray> readFile(const QString &path, bool *isMissing)
     return {};
 }
 
-QStringList listFiles(const QString &folder, const QString &prefix, const QString &suffix)
+bool fileExists(const QString &path)
 {
-    struct Found
-    {
-        QString sortKey;
-        QString name;
-    };
-    std::vector<Found> found;
-    const std::unique_ptr<DIR, CloseDirectory> directory(
-        opendir(QFile::encodeName(folder).constData()));
+    return access(encoded(path).constData(), F_OK) == 0;
+}
+
+QStringList listFiles(QLatin1String folder, QLatin1String prefix, QLatin1String suffix)
+{
+    std::vector<Found> all;
+    const std::unique_ptr<DIR, CloseDirectory> directory(opendir(folder.data()));
     while (const dirent *const entry = directory ? readdir(directory.get()) : nullptr) {
-        const QString name = QFile::decodeName(entry->d_name);
-        if (name.startsWith(prefix, Qt::CaseInsensitive)
-            && name.endsWith(suffix, Qt::CaseInsensitive)
-            && QFile::encodeName(name) == entry->d_name && isFileOrFolder(*entry, folder, name))
-            found.push_back({name.toLower(), name});
+        std::optional<Found> found = match(entry->d_name, folder, prefix, suffix);
+        if (found && isFileOrFolder(*entry, found->path))
+            all.push_back(std::move(*found));
     }
-    std::sort(found.begin(), found.end(),
+    std::sort(all.begin(), all.end(),
         [](const Found &left, const Found &right) { return left.sortKey < right.sortKey; });
 
-    QStringList names;
-    for (const Found &each : found)
-        names.append(each.name);
-    return names;
+    QStringList paths;
+    paths.reserve(static_cast<int>(all.size()));
+    for (const Found &each : all)
+        paths.append(each.path);
+    return paths;
 }
 
 bool fileDiffers(const QString &path, const QByteArray &bytes)
@@ -116,4 +165,10 @@ bool writeFile(const QString &path, const QByteArray &bytes)
     if (bytes.isEmpty() || file.write(bytes) != bytes.size() || !file.flush())
         return false;
     return file.commit();
+}
+
+void removeFile(const QString &path)
+{
+    if (!QFile::remove(path))
+        qCWarning(launcherLog) << "Could not remove:" << path;
 }

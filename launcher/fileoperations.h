@@ -7,15 +7,19 @@
 
 #include <optional>
 
-/// The contents of the file at @p path, by the fewest system calls. Nothing when it cannot be
-/// read; @p isMissing, if given, then tells whether the reason is that there is no such file.
+/// The contents of the regular file at @p path, by the fewest system calls. Nothing when it
+/// cannot be read or is of another kind, and then without waiting: a FIFO, a socket, a device.
+/// @p isMissing, if given, then tells whether the reason is that there is no such file.
 std::optional<QByteArray> readFile(const QString &path, bool *isMissing = nullptr);
 
-/// The names in @p folder that begin with @p prefix and end with @p suffix, all without regard
-/// to case: what QDir::entryList() gives for that pattern, without its file information and
-/// regular expression for each name. Sorted by the lower-case name; dangling links, devices
-/// and names that are not text are left out.
-QStringList listFiles(const QString &folder, const QString &prefix, const QString &suffix);
+/// Whether there is anything at @p path, behind all links. It holds no zero character.
+bool fileExists(const QString &path);
+
+/// The paths in @p folder, which ends in a slash, of the names that begin with @p prefix and
+/// end with @p suffix, all without regard to case: what QDir::entryList() gives for that
+/// pattern, without its file information and regular expression for each name. Sorted by the
+/// lower-case name; dangling links, devices and names that are not text are left out.
+QStringList listFiles(QLatin1String folder, QLatin1String prefix, QLatin1String suffix);
 
 /// Whether the file at @p path holds anything but @p bytes. True when it cannot be read.
 bool fileDiffers(const QString &path, const QByteArray &bytes);
@@ -24,3 +28,6 @@ bool fileDiffers(const QString &path, const QByteArray &bytes);
 /// new, never a part. False when that failed, and for no bytes at all; the old file then
 /// stays.
 bool writeFile(const QString &path, const QByteArray &bytes);
+
+/// Removes the file at @p path. A failure is logged.
+void removeFile(const QString &path);

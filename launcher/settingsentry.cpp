@@ -5,30 +5,34 @@
 #include "launcher/fileoperations.h"
 #include "launcher/logging.h"
 
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QStringBuilder>
+#include <QStringView>
 
 #include <algorithm>
 
 namespace {
 
-bool needsEscapes(const QString &text)
+bool needsEscape(QChar character)
 {
-    return std::any_of(text.begin(), text.end(), [](QChar character) {
-        return character < QLatin1Char(' ') || character > QLatin1Char('~')
-            || character == QLatin1Char('"') || character == QLatin1Char('\\');
-    });
+    const ushort unit = character.unicode();
+    return unit < ' ' || unit > '~' || unit == '"' || unit == '\\';
 }
 
 void appendString(QByteArray &json, const QString &text)
 {
-    if (needsEscapes(text)) {
+    if (std::any_of(text.begin(), text.end(), needsEscape)) {
         const QByteArray array = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
         json.append(array.constData() + 1, array.size() - 2);
-    } else {
-        json.append('"').append(text.toLatin1()).append('"');
+        return;
     }
+    json += '"';
+    const int start = json.size();
+    json.resize(start + text.size());
+    std::transform(text.begin(), text.end(), json.begin() + start,
+        [](QChar character) { return static_cast<char>(character.unicode()); });
+    json += '"';
 }
 
 // The same bytes as QJsonDocument::toJson makes of the whole document, which takes it longer
@@ -53,7 +57,9 @@ QByteArray settingsDocument(
                 "source": "/usr/share/tovra-settings/pages/apk-configuration/apkConfigurationPage.qml"
             },
             "path": )";
-    appendString(json, QLatin1String("applications/") + QFileInfo(desktopPath).fileName());
+    const QStringView name =
+        QStringView(desktopPath).mid(desktopPath.lastIndexOf(QLatin1Char('/')) + 1);
+    appendString(json, QLatin1String("applications/") % name);
     json += R"(,
             "type": "page"
         }

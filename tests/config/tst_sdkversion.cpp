@@ -7,6 +7,9 @@
 #include <QDir>
 #include <QFile>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace {
 
 constexpr char buildProperties[] = "/opt/alien/build.prop";
@@ -43,6 +46,9 @@ private Q_SLOTS:
     void firstLineOfTheKeyWins();
     void keyIsFoundInAFileWithoutALineFeedAtItsEnd();
     void negativeLevelIsKept();
+    void blankBehindTheEqualsSignIsSkipped();
+    void otherThanAFileGivesZeroAtOnce_data();
+    void otherThanAFileGivesZeroAtOnce();
 };
 
 void TestSdkVersion::levelIsFoundAndThenKept()
@@ -154,6 +160,36 @@ void TestSdkVersion::negativeLevelIsKept()
     QVERIFY(writeProperties("ro.build.version.sdk=29\n"));
     QCOMPARE(ApkConfig::sdkVersion(), -1);
     QCOMPARE(log.lines(), QStringList());
+}
+
+// By the number's own parser; before the sign it would belong to the key.
+void TestSdkVersion::blankBehindTheEqualsSignIsSkipped()
+{
+    QVERIFY(writeProperties("ro.build.version.sdk= \t28 =29\n"));
+    QCOMPARE(ApkConfig::sdkVersion(), 28);
+}
+
+// A FIFO would otherwise be waited for until somebody writes into it.
+void TestSdkVersion::otherThanAFileGivesZeroAtOnce_data()
+{
+    QTest::addColumn<bool>("isFifo");
+
+    QTest::newRow("FIFO") << true;
+    QTest::newRow("device") << false;
+}
+
+void TestSdkVersion::otherThanAFileGivesZeroAtOnce()
+{
+    QFETCH(bool, isFifo);
+
+    QFile::remove(QLatin1String(buildProperties));
+    if (isFifo)
+        QCOMPARE(mkfifo(buildProperties, 0644), 0);
+    else
+        QCOMPARE(symlink("/dev/zero", buildProperties), 0);
+    const LogCapture log;
+    QCOMPARE(ApkConfig::sdkVersion(), 0);
+    QCOMPARE(log.lines(), QStringList(notFoundLine()));
 }
 
 LUM_TEST_MAIN(TestSdkVersion)

@@ -5,6 +5,7 @@
 #include "tests/support/logcapture.h"
 #include "tests/support/testmain.h"
 
+#include <QFile>
 #include <QSignalSpy>
 
 using namespace LauncherFiles;
@@ -19,11 +20,17 @@ private Q_SLOTS:
     void iconOfTenMegabytesIsWrittenOnce();
     void namesComeOutLiterally_data();
     void namesComeOutLiterally();
-    void slashInANameIsAFolderThatIsMissing();
-    void slashInANameReachesAFolderThatIsThere();
-    void zeroCharacterCutsTheNamesOfTheFiles();
-    void lineFeedInACaptionAddsAKey();
-    void lineFeedInAPackageAddsAKey();
+    void nameThatIsNoPlainTextIsRefused_data();
+    void nameThatIsNoPlainTextIsRefused();
+    void refusedLauncherIsNotTracked();
+    void missingCaptionIsToldFirst();
+    void controlCharactersInACaptionBecomeBlanks_data();
+    void controlCharactersInACaptionBecomeBlanks();
+    void entryWithRawControlCharactersIsRewrittenOnce();
+    void keyThatACaptionOnceAddedStays();
+    void controlCharactersInTheDataRootBecomeBlanks();
+    void loneSurrogateIsWrittenOnce();
+    void controlCharactersInAVersionAreEscaped();
 };
 
 void TestDesktopManagerBadInput::emptyIconIsNeverWritten()
@@ -120,106 +127,183 @@ void TestDesktopManagerBadInput::namesComeOutLiterally()
     QCOMPARE(warnings(log), QStringList());
 }
 
-void TestDesktopManagerBadInput::slashInANameIsAFolderThatIsMissing()
+void TestDesktopManagerBadInput::nameThatIsNoPlainTextIsRefused_data()
 {
-    // Dots are escaped, so that no name leads out of the folder.
-    ApkLauncher app = launcher("../../x", "y");
-    const QString name = QStringLiteral("lumd_launcher___/__/x-y");
+    QTest::addColumn<QString>("package");
+    QTest::addColumn<QString>("className");
+    QTest::addColumn<QString>("path"); // as it is logged
+
+    const auto row = [](const char *name, const QString &package, const QString &className,
+                         const char *path) {
+        QTest::newRow(name) << package << className << QString::fromUtf8(path);
+    };
+    const QString a = QStringLiteral("a");
+    row("slash in the class", QStringLiteral("com.evil"), QStringLiteral("com.evil.x/wlan"),
+        "com_evil-com_evil_x/wlan");
+    row("slash in the package", QStringLiteral("../../x"), a, "__/__/x-a");
+    row("slash alone", a, QStringLiteral("/"), "a-/");
+    row("line feed in the package", QStringLiteral("a\nHidden=true"), a, "a\\nHidden=true-a");
+    row("carriage return in the class", a, QStringLiteral("b\r"), "a-b\\r");
+    row("tabulator in the class", a, QStringLiteral("b\tc"), "a-b\\tc");
+    row("zero in the package", a + QChar(0), a, "a\\u0000-a");
+    row("delete in the class", a, QString(QChar(0x7f)), "a-\\u007F");
+    row("next line in the class", a, QString(QChar(0x85)), "a-\\u0085");
+    row("line separator in the package", QString(QChar(0x2028)), a, "\xe2\x80\xa8-a");
+    row("paragraph separator in the class", a, QString(QChar(0x2029)), "a-\xe2\x80\xa9");
+}
+
+void TestDesktopManagerBadInput::nameThatIsNoPlainTextIsRefused()
+{
+    QFETCH(QString, package);
+    QFETCH(QString, className);
+    QFETCH(QString, path);
+
+    ApkLauncher app = launcher("x");
+    app.packageName = package;
+    app.className = className;
+    for (const char *folder : {applications, icons, settings})
+        makeDirectory(QLatin1String(folder) + QLatin1String("lumd_launcher_a-"));
+    write(QLatin1String(settings) + QLatin1String("wlan.json"), "the settings' own");
+    const QStringList before = allFiles();
     DesktopManager manager{ApkConfig()};
     const QSignalSpy installed(&manager, &DesktopManager::newApplicationInstalled);
     const LogCapture log;
     manager.onCreateLauncher(app);
-    QCOMPARE(warnings(log),
+    const QString logged = QLatin1String("\"/usr/share/applications/lumd_launcher_") + path
+        + QLatin1String(".desktop\"");
+    QCOMPARE(log.lines(),
         QStringList({
-            pathLine("warning",
-                "Unable to write icon:", QLatin1String(icons) + name + QLatin1String(".png")),
-            pathLine("warning", "Could not open",
-                QLatin1String(applications) + name + QLatin1String(".desktop"))
-                + QLatin1String(" for writing"),
+            logLine("debug", QLatin1String("onCreateLauncher: ") + logged),
+            logLine("warning",
+                QLatin1String("Not creating launcher for  ") + logged
+                    + QLatin1String(
+                        " , as its package or class holds a slash or a control character")),
         }));
-    QCOMPARE(installed.size(), 1);
-    QCOMPARE(listing(applications), QStringList());
-    QCOMPARE(listing(icons), QStringList());
-    QCOMPARE(listing(settings), QStringList(QStringLiteral("x-y.json")));
+    QCOMPARE(installed.size(), 0);
+    QCOMPARE(allFiles(), before);
+    for (const char *folder : {applications, icons, settings})
+        QCOMPARE(listing(QLatin1String(folder) + QLatin1String("lumd_launcher_a-")), QStringList());
+    QCOMPARE(read(QLatin1String(settings) + QLatin1String("wlan.json")),
+        QByteArray("the settings' own"));
 }
 
-void TestDesktopManagerBadInput::slashInANameReachesAFolderThatIsThere()
-{
-    makeDirectory(QLatin1String(applications) + QLatin1String("lumd_launcher_a"));
-    makeDirectory(QLatin1String(icons) + QLatin1String("lumd_launcher_a"));
-    DesktopManager manager{ApkConfig()};
-    const LogCapture log;
-    manager.onCreateLauncher(launcher("a/b", "c/d"));
-    QCOMPARE(warnings(log).size(), 2);
-    manager.onCreateLauncher(launcher("a/b", "d"));
-    QCOMPARE(warnings(log).size(), 2);
-    QCOMPARE(listing(QLatin1String(applications) + QLatin1String("lumd_launcher_a")),
-        QStringList(QStringLiteral("b-d.desktop")));
-    QCOMPARE(manager.desktopFiles(), QStringList());
-}
-
-// The C library ends a name there, so that the files lack what follows and are found by no
-// scan. Nothing of them is half-written.
-void TestDesktopManagerBadInput::zeroCharacterCutsTheNamesOfTheFiles()
-{
-    ApkLauncher app = launcher("a", "c");
-    app.packageName.append(QChar(0));
-    DesktopManager manager{ApkConfig()};
-    for (int i = 0; i < 2; ++i) {
-        const LogCapture log;
-        manager.onCreateLauncher(app);
-        for (const char *directory : {applications, icons, settings})
-            QCOMPARE(listing(directory), QStringList(QStringLiteral("lumd_launcher_a")));
-        QCOMPARE(read(QStringLiteral("/var/lib/lumd/lumd_launcher_a")), app.icon);
-    }
-    manager.onLaunchersComplete();
-    manager.onRemovePackage(app.packageName);
-    QCOMPARE(manager.desktopFiles(), QStringList());
-}
-
-// Nothing is escaped in the entry, so that a caption can add keys that are not set later.
-// Such an entry reads back in two keys and is rewritten each time.
-void TestDesktopManagerBadInput::lineFeedInACaptionAddsAKey()
+void TestDesktopManagerBadInput::refusedLauncherIsNotTracked()
 {
     ApkLauncher app = launcher("a");
-    app.caption = QStringLiteral("Maps\nDBusActivatable=true\nExec=evil\nno key");
+    app.className += QChar(0x85);
     DesktopManager manager{ApkConfig()};
+    leaveBehind(app);
     manager.onCreateLauncher(app);
-    const QByteArray first = entryText(app);
-    QVERIFY(first.contains("\nName=Maps\nDBusActivatable=true\nExec=evil\nno key\nType="));
-    QCOMPARE(read(desktopPath(app)), first);
-    QCOMPARE(manager.appName(app.packageName), QStringLiteral("Maps"));
-
-    const QMap<QString, QString> added{{QStringLiteral("DBusActivatable"), QStringLiteral("true")}};
-    for (int i = 0; i < 2; ++i) {
-        const Stamp before = stamp(desktopPath(app));
-        manager.onCreateLauncher(app);
-        QCOMPARE(read(desktopPath(app)), entryText(app, added));
-        QVERIFY(stamp(desktopPath(app)).inode != before.inode);
-    }
-
-    // The key stays when the caption is as it should be.
-    app.caption = QStringLiteral("Maps");
-    manager.onCreateLauncher(app);
-    QCOMPARE(read(desktopPath(app)), entryText(app, added));
     QCOMPARE(allFiles(), filesOf(app));
+    manager.onLaunchersComplete();
+    QCOMPARE(allFiles(), QStringList());
 }
 
-void TestDesktopManagerBadInput::lineFeedInAPackageAddsAKey()
+void TestDesktopManagerBadInput::missingCaptionIsToldFirst()
 {
-    const ApkLauncher app = launcher("a\nHidden=true\nb", "c\nd");
+    ApkLauncher app = launcher("a", "b/c");
+    app.caption.clear();
+    DesktopManager manager{ApkConfig()};
+    const LogCapture log;
+    manager.onCreateLauncher(app);
+    QCOMPARE(warnings(log),
+        QStringList(pathLine("warning", "Not creating launcher for ", desktopPath(app))
+            + QLatin1String(" , as it has no caption")));
+}
+
+void TestDesktopManagerBadInput::controlCharactersInACaptionBecomeBlanks_data()
+{
+    QTest::addColumn<QString>("caption");
+    QTest::addColumn<QString>("name");
+
+    QTest::newRow("line feed and keys") << QStringLiteral("Maps\nExec=evil\nDBusActivatable=true")
+                                        << QStringLiteral("Maps Exec=evil DBusActivatable=true");
+    QTest::newRow("carriage return") << QStringLiteral("Maps\r\n") << QStringLiteral("Maps  ");
+    QTest::newRow("line ends of Unicode")
+        << QStringLiteral("a\u0085b\u2028c\u2029d") << QStringLiteral("a b c d");
+    QTest::newRow("escape sequence") << QStringLiteral("\u001b[2J") << QStringLiteral(" [2J");
+    QTest::newRow("zero") << QStringLiteral("a") + QChar(0) << QStringLiteral("a ");
+    QTest::newRow("nothing else") << QStringLiteral("\n") << QStringLiteral(" ");
+}
+
+void TestDesktopManagerBadInput::controlCharactersInACaptionBecomeBlanks()
+{
+    QFETCH(QString, caption);
+    QFETCH(QString, name);
+
+    ApkLauncher app = launcher("a");
+    app.caption = caption;
+    ApkLauncher cleaned = app;
+    cleaned.caption = name;
+    DesktopManager manager{ApkConfig()};
+    manager.onCreateLauncher(app);
+    QCOMPARE(read(desktopPath(app)), entryText(cleaned));
+    QCOMPARE(manager.appName(app.packageName), name);
+
+    const Stamp before = stamp(desktopPath(app));
+    const LogCapture log;
+    manager.onCreateLauncher(app);
+    QVERIFY(stamp(desktopPath(app)) == before);
+    QCOMPARE(log.lines(), announcedLines(app));
+}
+
+void TestDesktopManagerBadInput::entryWithRawControlCharactersIsRewrittenOnce()
+{
+    ApkLauncher app = launcher("a");
+    app.caption = QStringLiteral("My\tMaps\u0085\u2028");
+    ApkLauncher cleaned = app;
+    cleaned.caption = QStringLiteral("My Maps  ");
+    // A key that is not lumd's stays as it is.
+    const QMap<QString, QString> foreign{{QStringLiteral("X-a"), QStringLiteral("1\t2")}};
+    write(desktopPath(app), entryText(app, foreign));
+    DesktopManager manager{ApkConfig()};
+    manager.onCreateLauncher(app);
+    QCOMPARE(read(desktopPath(app)), entryText(cleaned, foreign));
+    const Stamp before = stamp(desktopPath(app));
+    manager.onCreateLauncher(app);
+    QVERIFY(stamp(desktopPath(app)) == before);
+}
+
+void TestDesktopManagerBadInput::keyThatACaptionOnceAddedStays()
+{
+    const ApkLauncher app = launcher("a");
+    const QMap<QString, QString> added{{QStringLiteral("DBusActivatable"), QStringLiteral("true")}};
+    write(desktopPath(app), entryText(app, added) + "Exec=evil\n");
+    DesktopManager manager{ApkConfig()};
+    manager.onCreateLauncher(app);
+    QCOMPARE(read(desktopPath(app)), entryText(app, added));
+}
+
+void TestDesktopManagerBadInput::controlCharactersInTheDataRootBecomeBlanks()
+{
+    qputenv("ANDROID_DATA_ROOT", "/da\nta\t");
+    DesktopManager manager{ApkConfig()};
+    qunsetenv("ANDROID_DATA_ROOT");
+    const ApkLauncher app = launcher("a");
+    manager.onCreateLauncher(app);
+    QCOMPARE(read(desktopPath(app)), entryText(app).replace("/home/.android/", "/da ta /"));
+}
+
+// It has no form in UTF-8, and what stands for it is what a later announcement is held against.
+void TestDesktopManagerBadInput::loneSurrogateIsWrittenOnce()
+{
+    ApkLauncher app = launcher("a");
+    app.caption = QStringLiteral("a") + QChar(0xd800) + QStringLiteral("b");
     DesktopManager manager{ApkConfig()};
     manager.onCreateLauncher(app);
     QCOMPARE(read(desktopPath(app)), entryText(app));
-    QCOMPARE(allFiles(), filesOf(app));
-    // The package reads back up to the line feed.
-    QCOMPARE(manager.packages(), QStringList(QStringLiteral("a")));
-    manager.onLaunchersComplete();
-    QCOMPARE(allFiles(), filesOf(app));
-    manager.onRemovePackage(app.packageName);
-    QCOMPARE(allFiles(), filesOf(app));
-    manager.onRemovePackage(QStringLiteral("a"));
-    QCOMPARE(listing(applications), QStringList());
+    const Stamp before = stamp(desktopPath(app));
+    manager.onCreateLauncher(app);
+    QVERIFY(stamp(desktopPath(app)) == before);
+}
+
+void TestDesktopManagerBadInput::controlCharactersInAVersionAreEscaped()
+{
+    ApkLauncher app = launcher("a");
+    app.packageVersion = QStringLiteral("1\n2");
+    DesktopManager manager{ApkConfig()};
+    manager.onCreateLauncher(app);
+    QVERIFY(read(settingsPath(app)).contains("\"packageVersion\": \"1\\n2\"\n"));
 }
 
 LUM_TEST_MAIN(TestDesktopManagerBadInput)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "bench/twohundredlaunchers.h"
+#include "bench/samplelaunchers.h"
 
 #include "config/launchernames.h"
 #include "launcher/desktopmanager.h"
@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr int launcherCount = 200;
 constexpr int iconSize = 20 * 1024;
 
 // Images do not compress or repeat; a fixed seed makes every run the same.
@@ -41,21 +40,21 @@ std::string native(const QString &path)
 
 } // namespace
 
-QVector<ApkLauncher> TwoHundredLaunchers::launchers()
+QVector<ApkLauncher> SampleLaunchers::launchers(int count)
 {
     QVector<ApkLauncher> launchers;
-    for (int number = 0; number < launcherCount; ++number)
+    for (int number = 0; number < count; ++number)
         launchers.append(launcher(number));
     return launchers;
 }
 
-void TwoHundredLaunchers::announce(DesktopManager &manager, const QVector<ApkLauncher> &launchers)
+void SampleLaunchers::announce(DesktopManager &manager, const QVector<ApkLauncher> &launchers)
 {
     for (const ApkLauncher &launcher : launchers)
         manager.onCreateLauncher(launcher);
 }
 
-std::vector<std::string> TwoHundredLaunchers::generatedFiles(
+std::vector<std::string> SampleLaunchers::generatedFiles(
     const DesktopManager &manager, const QVector<ApkLauncher> &launchers)
 {
     std::vector<std::string> files;
@@ -68,7 +67,7 @@ std::vector<std::string> TwoHundredLaunchers::generatedFiles(
     return files;
 }
 
-std::vector<std::string> TwoHundredLaunchers::desktopEntries(
+std::vector<std::string> SampleLaunchers::desktopEntries(
     const DesktopManager &manager, const QVector<ApkLauncher> &launchers)
 {
     std::vector<std::string> files;
@@ -77,7 +76,7 @@ std::vector<std::string> TwoHundredLaunchers::desktopEntries(
     return files;
 }
 
-void TwoHundredLaunchers::removeFiles(const std::vector<std::string> &files)
+void SampleLaunchers::removeFiles(const std::vector<std::string> &files)
 {
     for (const std::string &file : files) {
         if (unlink(file.c_str()) != 0) {

@@ -10,11 +10,10 @@
 
 class DesktopManager;
 
-/// Two hundred apps as a well-used handset has them, each with an icon of 20 KB, and the
-/// files that are made of them.
-namespace TwoHundredLaunchers {
+/// Apps as a handset has them, each with an icon of 20 KB, and the files that are made of them.
+namespace SampleLaunchers {
 
-QVector<ApkLauncher> launchers();
+QVector<ApkLauncher> launchers(int count);
 
 /// Announces them all.
 void announce(DesktopManager &manager, const QVector<ApkLauncher> &launchers);
@@ -30,4 +29,4 @@ std::vector<std::string> desktopEntries(
 /// Removes all generated files.
 void removeFiles(const std::vector<std::string> &files);
 
-} // namespace TwoHundredLaunchers
+} // namespace SampleLaunchers
