@@ -22,20 +22,12 @@ constexpr char entryFile[] = "/usr/share/applications/lumd_launcher_com_a-Main.d
 constexpr char fifo[] = "/run/apps/fifo.apk";
 constexpr char sparseFile[] = "/run/apps/sparse.apk";
 
-// Such as the daemon would read for ever.
-constexpr bool namesEndlessFiles = false;
-
 /// As lumd's users have them, and others that no install ends well with.
 std::vector<std::string> files()
 {
-    std::vector<std::string> paths{"/run/apps/a.apk", "/run/apps/:b.apk", "/run/apps/no.apk",
-        "/run/apps", packagedFile, entryFile};
-    if (namesEndlessFiles) {
-        for (const char *path : {fifo, sparseFile, "/dev/zero", "/dev/full", "/dev/tty",
-                 "/proc/self/maps", "/proc/kmsg", "/proc/self/fd/0"})
-            paths.emplace_back(path);
-    }
-    return paths;
+    return {"/run/apps/a.apk", "/run/apps/:b.apk", "/run/apps/no.apk", "/run/apps", packagedFile,
+        entryFile, fifo, sparseFile, "/dev/zero", "/dev/full", "/dev/tty", "/proc/self/maps",
+        "/proc/kmsg", "/proc/self/fd/0"};
 }
 
 void makeFiles()
