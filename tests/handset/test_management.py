@@ -48,7 +48,8 @@ class Management(AppScenario):
         self.device.start_runtime()
         letters = [int.from_bytes(part.encode("utf-16-le"), "little")
                    for part in ("andr", "oid.", "cont")]
-        self.assertEqual(self.size(), f"(xxx) {letters[0]} {letters[1]} {letters[2]}")
+        code, data, cache = letters
+        self.assertEqual(self.size(), f"(xxx) {code} {data - cache} {cache}")
 
     def test_sizesThatAndroidRefusesAreMinusOne(self):
         self.install_with(codeBytes=1)
