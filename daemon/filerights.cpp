@@ -122,7 +122,7 @@ BorrowedRights::~BorrowedRights()
         giveBack();
 }
 
-// Without capabilities: one of them opens what other processes have open, through /proc.
+// Without capabilities: one of them leads through /proc into the folders of other processes.
 bool BorrowedRights::take(const FileRights &rights)
 {
     if (!setOwnGroups(rights.groups))

@@ -90,7 +90,7 @@ private Q_SLOTS:
     void otherThreadsKeepTheirs();
     void filesOpenAsForTheirOwner_data();
     void filesOpenAsForTheirOwner();
-    void descriptorsOfOtherProcessesStayShut();
+    void foldersOfOtherProcessesStayShut();
     void processStaysAsOpenToItsDebuggerAsItWas();
     void refusedRightsAreNotInForce_data();
     void refusedRightsAreNotInForce();
@@ -215,20 +215,21 @@ void TestFileRights::filesOpenAsForTheirOwner()
     QVERIFY(canRead("/run/file"));
 }
 
-void TestFileRights::descriptorsOfOtherProcessesStayShut()
+void TestFileRights::foldersOfOtherProcessesStayShut()
 {
-    // The file is for all, but what lies behind the descriptor can be had only through /proc.
-    writeFile(QStringLiteral("/run/file"), "x");
-    QCOMPARE(chmod("/run/file", 0666), 0);
-    QFile file(QStringLiteral("/run/file"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
+    // File and folder are for all, but the way there is not; and another process is there.
+    QCOMPARE(mkdir("/run/shut", 0700), 0);
+    QCOMPARE(mkdir("/run/shut/open", 0755), 0);
+    writeFile(QStringLiteral("/run/shut/open/file"), "x");
+    QCOMPARE(chmod("/run/shut/open/file", 0644), 0);
+    QCOMPARE(chdir("/run/shut/open"), 0);
     const pid_t other = fork();
     if (other == 0) {
         pause();
         _exit(0);
     }
-    const QByteArray path =
-        "/proc/" + QByteArray::number(other) + "/fd/" + QByteArray::number(file.handle());
+    QCOMPARE(chdir("/"), 0);
+    const QByteArray path = "/proc/" + QByteArray::number(other) + "/cwd/file";
     const bool opensForRoot = canRead(path.constData());
     bool opensForNemo = true;
     {
