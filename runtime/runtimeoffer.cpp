@@ -26,19 +26,23 @@ constexpr int failed = 1;
 // The device mode in which the development repositories are in use.
 constexpr int rndMode = 2;
 
+// The kernel's own number for groups that it cannot tell.
+constexpr gid_t nogroup = 65534;
+
 int reportFailure()
 {
     std::fprintf(stderr, "Could not install ACL package: %s\n", package);
     return failed;
 }
 
-// Root has its own already.
+// Root has its own already. A user whom the lists do not know has none.
 bool takeGroupsOf(uid_t uid)
 {
     if (uid == 0)
         return true;
-    const passwd *const user = getpwuid(uid);
-    return user && initgroups(user->pw_name, user->pw_gid) == 0 && setgid(user->pw_gid) == 0;
+    if (const passwd *const user = getpwuid(uid))
+        return initgroups(user->pw_name, user->pw_gid) == 0 && setgid(user->pw_gid) == 0;
+    return setgroups(0, nullptr) == 0 && setgid(nogroup) == 0;
 }
 
 int runLauncher()
