@@ -208,7 +208,7 @@ void TestAlienBinderConnectionRetry::noTimerRunsWhileConnected()
     LinkStory story(connection);
 
     QVERIFY(!hasTimer());
-    pass(60s);
+    pass(5s);
     QCOMPARE(story.take(), QStringList());
 }
 
@@ -234,7 +234,7 @@ void TestAlienBinderConnectionRetry::noTimerRunsWithoutAPersistentLinkToLookFor(
     LinkStory story(connection);
 
     QVERIFY(!hasTimer());
-    pass(60s);
+    pass(5s);
     QCOMPARE(story.take(), QStringList());
 }
 
@@ -311,7 +311,7 @@ void TestAlienBinderConnectionRetry::destroyedConnectionTriesNoMore()
     FakeBinder::clearLedger();
 
     QVERIFY(!hasTimer());
-    pass(60s);
+    pass(5s);
     QCOMPARE(FakeBinder::ledger(), QStringList());
 }
 

@@ -50,9 +50,9 @@ void TestStoppedClock::timeGoesOnFromWhereItStood()
     timer.start();
     {
         StoppedClock clock;
-        clock.advance(3600s);
+        clock.advance(100s);
     }
-    QVERIFY(timer.elapsed() >= 3600 * 1000);
+    QVERIFY(timer.elapsed() >= 100 * 1000);
     timer.restart();
     usleep(2000);
     QVERIFY(timer.elapsed() >= 2);
