@@ -59,10 +59,13 @@ std::optional<QByteArray> readOpenFile(int descriptor)
 // The same as QFile::encodeName, which asks for the codec each time.
 QByteArray encoded(const QString &path)
 {
-    const QByteArray latin1 = path.toLatin1();
-    return QLatin1String(latin1) == path && Utf8::isAscii(Utf8::view(latin1))
-        ? latin1
-        : QFile::encodeName(path);
+    QByteArray bytes(path.size(), Qt::Uninitialized);
+    ushort seen = 0;
+    std::transform(path.begin(), path.end(), bytes.begin(), [&seen](QChar character) {
+        seen |= character.unicode();
+        return static_cast<char>(character.unicode());
+    });
+    return seen < 0x80 ? bytes : QFile::encodeName(path);
 }
 
 bool isFileOrFolder(const dirent &entry, const QString &path)

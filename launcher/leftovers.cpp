@@ -26,8 +26,11 @@ void removeLeftovers()
 {
     const QRegularExpression temporary = temporaryName();
     for (const char *const folder : {Paths::applications, Paths::icons, Paths::settingsEntries}) {
+        // Of the names that cannot be meant nothing more is asked.
         const QStringList names =
-            QDir(QLatin1String(folder)).entryList(QDir::Files | QDir::NoSymLinks);
+            QDir(QLatin1String(folder))
+                .entryList({QLatin1String(generatedPrefix) + QLatin1String("*.??????")},
+                    QDir::Files | QDir::NoSymLinks);
         for (const QString &name : names.filter(temporary)) {
             const QString path = QLatin1String(folder) + name;
             qCDebug(launcherLog) << "Deleting:" << path;

@@ -10,29 +10,26 @@
 #include <QStringBuilder>
 #include <QStringView>
 
-#include <algorithm>
-
 namespace {
-
-bool needsEscape(QChar character)
-{
-    const ushort unit = character.unicode();
-    return unit < ' ' || unit > '~' || unit == '"' || unit == '\\';
-}
 
 void appendString(QByteArray &json, const QString &text)
 {
-    if (std::any_of(text.begin(), text.end(), needsEscape)) {
-        const QByteArray array = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
-        json.append(array.constData() + 1, array.size() - 2);
-        return;
-    }
-    json += '"';
     const int start = json.size();
-    json.resize(start + text.size());
-    std::transform(text.begin(), text.end(), json.begin() + start,
-        [](QChar character) { return static_cast<char>(character.unicode()); });
-    json += '"';
+    json.resize(start + text.size() + 2);
+    char *end = json.data() + start;
+    *end++ = '"';
+    bool isPlain = true;
+    for (const QChar character : text) {
+        const ushort unit = character.unicode();
+        isPlain &= unit >= ' ' && unit <= '~' && unit != '"' && unit != '\\';
+        *end++ = static_cast<char>(unit);
+    }
+    *end = '"';
+    if (!isPlain) {
+        const QByteArray array = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
+        json.truncate(start);
+        json.append(array.constData() + 1, array.size() - 2);
+    }
 }
 
 // The same bytes as QJsonDocument::toJson makes of the whole document, which takes it longer
