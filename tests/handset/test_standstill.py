@@ -64,7 +64,7 @@ class StandStill(AppScenario):
 
     def test_aSurfaceFlingerThatHangsHoldsTheNextIntentForFiveSecondsAndNobodyElse(self):
         self.device.start_runtime()
-        self.device.runtime("hang", "SurfaceFlinger")
+        self.device.runtime("hold", "SurfaceFlinger")
         self.view(apps.MAPS.package)
         self.view(apps.NOTES.package)
         self.served()
