@@ -8,7 +8,7 @@ INSTALL = "Installing Android apps is not allowed on this device"
 REMOVE = "Removing Android apps is not allowed on this device"
 
 # How the warning begins of a message that the user's bus did not take in time.
-LOST = "Could not deliver"
+LOST = "User's bus not reached in 10 s, dropping message:"
 
 
 class UserBus(AppScenario):
