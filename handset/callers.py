@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: BSD-3-Clause
-"""Callers of lumd that a shell's one call at a time cannot be: several at once, and hostile ones."""
+"""Callers of lumd that busctl cannot be: several at once, in the background, and hostile ones."""
 
 import json
 import shlex
@@ -84,21 +84,9 @@ def become_su():
     message.append("com.example.maps", signature="s")
     bus.send_message(message)
     bus.flush()
-    os.set_inheritable(bus.get_unix_fd() if hasattr(bus, "get_unix_fd") else sockets()[-1], True)
+    os.set_inheritable(bus.get_unix_fd(), True)
     os.dup2(waiting, 0)
     os.execv("/bin/su", ["su"])
-
-
-def sockets():
-    """The descriptors of this process that are sockets."""
-    found = []
-    for name in os.listdir("/proc/self/fd"):
-        try:
-            if os.readlink(f"/proc/self/fd/{name}").startswith("socket:") and int(name) > 2:
-                found.append(int(name))
-        except OSError:
-            pass
-    return sorted(found)
 
 
 children = []
