@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: BSD-3-Clause
-"""Callers of lumd that a shell's one call at a time cannot be: several at once, and hostile ones."""
+"""Callers of lumd that busctl cannot be: several at once, in the background, and hostile ones."""
 
 import json
 import shlex
@@ -40,7 +40,8 @@ print(json.dumps({f"{interface or ''} {member}": outcome(interface, member)
                   for interface, member in json.loads(sys.argv[1])}))
 '''
 
-# Sends Intents with descriptors in their extras, flat and deep, and counts what came back.
+# Sends Intents with descriptors in their extras, in every other one also within containers, and
+# counts what came back.
 SENDING_DESCRIPTORS = PREAMBLE + '''
 import sys
 
@@ -53,11 +54,12 @@ def handle(level):
 
 
 outcomes = collections.Counter()
-for _ in range(int(sys.argv[1])):
+for number in range(int(sys.argv[1])):
+    extras = {"flat": handle(1), "nested": handle(2), "kept": dbus.String("text", variant_level=1)}
+    if number % 2:
+        extras["map"] = dbus.Dictionary({"deep": handle(1)}, signature="sv", variant_level=1)
+        extras["list"] = dbus.Array([handle(0)], signature="h", variant_level=1)
     message = MethodCallMessage(NAME, PATH, NAME, "launchIntent")
-    inner = dbus.Dictionary({"deep": handle(1)}, signature="sv", variant_level=1)
-    extras = {"flat": handle(1), "inner": inner, "kept": dbus.String("text", variant_level=1),
-              "list": dbus.Array([handle(0)], signature="h", variant_level=1)}
     message.append("android.intent.action.VIEW", "geo:1,2", "", "", "", "",
                    dbus.Dictionary(extras, signature="sv"), signature="ssssssa{sv}")
     try:
@@ -82,21 +84,9 @@ def become_su():
     message.append("com.example.maps", signature="s")
     bus.send_message(message)
     bus.flush()
-    os.set_inheritable(bus.get_unix_fd() if hasattr(bus, "get_unix_fd") else sockets()[-1], True)
+    os.set_inheritable(bus.get_unix_fd(), True)
     os.dup2(waiting, 0)
     os.execv("/bin/su", ["su"])
-
-
-def sockets():
-    """The descriptors of this process that are sockets."""
-    found = []
-    for name in os.listdir("/proc/self/fd"):
-        try:
-            if os.readlink(f"/proc/self/fd/{name}").startswith("socket:") and int(name) > 2:
-                found.append(int(name))
-        except OSError:
-            pass
-    return sorted(found)
 
 
 children = []

@@ -69,14 +69,15 @@ class Device:
 
     def reset(self):
         """Brings the handset to its ground state: no apps, runtime stopped, lumd started."""
-        files = {VERBOSE: VERBOSE_TEXT, **payload.sdk_files(payload.DEFAULT_SDK)}
+        files = {VERBOSE: VERBOSE_TEXT, RUNTIME_CONFIG: runtime_config(),
+                 **payload.sdk_files(payload.DEFAULT_SDK)}
         self.since = self.machine.shell(f"""
             exec 3>&1 >/dev/null
             systemctl stop {LUMD} {RUNTIME}
             systemctl disable --quiet {RUNTIME}
             systemctl reset-failed
             rm -rf {APPLICATIONS}/lumd_launcher_* {ICONS}/* {SETTINGS}/* {RUNTIME_APPS}/*
-            rm -rf {RUNTIME_CONFIG} {BLACKLIST} {MARKERS}/* {POLICY}
+            rm -rf {BLACKLIST} {MARKERS}/* {POLICY}
             rm -rf {INCOMING}/* {PACKAGED}/* {APP_DATA}
             {write_script(files)}
             systemctl daemon-reload
@@ -106,8 +107,7 @@ class Device:
 
     def configure_runtime(self, **settings):
         """Writes the runtime's configuration; it is read when the runtime starts."""
-        lines = [f"{key}={value}" for key, value in settings.items()]
-        self.write({RUNTIME_CONFIG: "\n".join(["[runtime]", *lines]) + "\n"})
+        self.write({RUNTIME_CONFIG: runtime_config(**settings)})
 
     # Units
 
@@ -281,6 +281,12 @@ class Device:
             if time.monotonic() > deadline:
                 raise HandsetError(f"waited {PATIENCE} s in vain: {what}")
             time.sleep(0.2)
+
+
+def runtime_config(stopDelay=500, **settings):
+    """The runtime's configuration: a stop takes its time, and lumd is told before services go."""
+    settings["stopDelay"] = stopDelay
+    return "[runtime]\n" + "".join(f"{key}={value}\n" for key, value in settings.items())
 
 
 def write_script(files):

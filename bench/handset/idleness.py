@@ -8,7 +8,7 @@ import time
 TRACE = "/sys/kernel/tracing"
 MONITOR = "bus-in-idleness.service"
 MONITOR_LOG = "/run/bench/bus-in-idleness"
-WAKING = re.compile(r"^\s*(?P<waker>\S+)-\d+\s.* sched_waking: comm=(?P<woken>.+) pid=(?P<tid>\d+) ")
+WAKING = re.compile(r"^\s*(?P<waker>\S+)-\d+\s.* sched_waking: comm=.+ pid=(?P<tid>\d+) ")
 
 
 class Idleness:

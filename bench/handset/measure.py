@@ -72,7 +72,8 @@ class Measurement:
         """Runs the benchmarks whose names begin so."""
         result = self.machine.run(
             "env", f"LD_LIBRARY_PATH={FOLDER}", f"{FOLDER}/buscalls",
-            f"--benchmark_filter=^{name}", f"--benchmark_repetitions={repetitions or self.repetitions}",
+            f"--benchmark_filter=^{name}",
+            f"--benchmark_repetitions={repetitions or self.repetitions}",
             "--benchmark_enable_random_interleaving=true", "--benchmark_min_time=0.5",
             "--benchmark_format=json", timeout=1800)
         return json.loads(result)["benchmarks"]
@@ -116,7 +117,8 @@ class Measurement:
 
     def start_bare(self):
         """Starts the bare service and waits until it is on the bus."""
-        self.machine.run("systemd-run", "--quiet", "--collect", "--unit=bare", f"{FOLDER}/bareservice")
+        self.machine.run("systemd-run", "--quiet", "--collect", "--unit=bare",
+                         f"{FOLDER}/bareservice")
         self.device.wait(lambda: self.device.owner(BARE), f"{BARE} is on the bus")
 
     def proportional_set(self, pid):

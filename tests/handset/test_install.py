@@ -93,7 +93,7 @@ class Install(AppScenario):
         self.device.start_runtime()
         path = self.put_apk(apps.MAPS)
         result = self.device.machine.shell(
-            f"setpriv --reuid=handset --regid=disk --clear-groups busctl call {device.BUS_NAME} "
+            f"setpriv --reuid=handset --regid=disk --init-groups busctl call {device.BUS_NAME} "
             f"{device.OBJECT_PATH} {device.BUS_NAME} installFile s {path}")
         self.assertEqual(result.stdout, "b true\n")
         self.wait_installed(apps.MAPS)

@@ -43,9 +43,14 @@ class Intruders(AppScenario):
         self.let_the_runtime_up()
         self.device.start_runtime()
         self.device.wait(lambda: len(self.device.calls("activity")) >= INTENTS, "all are started")
-        self.assertEqual([call["arguments"]["intent"]["extras"]["kept"]["value"]
-                          for call in self.device.calls("activity")], ["text"] * INTENTS)
+        calls = self.device.calls("activity")
+        # Android refuses the containers, of which lumd can write none.
         self.expected_warnings = self.device.warnings()
+        self.expected_errors = [call["error"] for call in calls if "error" in call]
+        self.assertEqual(len(self.expected_errors), INTENTS // 2)
+        self.assertEqual([call["arguments"]["intent"]["extras"] for call in calls
+                          if "error" not in call],
+                         [{"kept": {"type": "string", "value": "text"}}] * (INTENTS // 2))
 
     def loosen_the_policy(self):
         self.device.write({LOOSE_POLICY: LOOSE_POLICY_TEXT})
@@ -69,10 +74,15 @@ class Intruders(AppScenario):
         self.device.machine.shell(f"kill -STOP {lumd}")
         self.callers.become_su(TRIES)
         self.device.machine.shell(f"kill -CONT {lumd}")
-        self.assertEqual(self.bus("isRunning"), "b false")
+        self.device.wait(self.all_are_handled, "lumd has seen the calls")
         self.expected_warnings = ["APK uninstallation prohibited"] * TRIES
         self.assertEqual(self.device.warnings(), self.expected_warnings)
         self.assertEqual(self.device.state(device.RUNTIME), "inactive")
+
+    def all_are_handled(self):
+        """Whether lumd has refused them all, or started the runtime for one."""
+        return (len(self.device.warnings()) >= TRIES
+                or self.device.state(device.RUNTIME) != "inactive")
 
     def test_aFileThatTheCallerMayNotReadIsNotStaged(self):
         self.allow_everybody_to_install()

@@ -71,20 +71,6 @@ class Launch(AppScenario):
         self.assertNotEqual(result.returncode, 0)
         self.assertIn(f"lumd-launcher: cannot launch {apps.MAPS.package}: ", result.stderr)
 
-    def test_anAppWithoutAWindowHoldsTheNextBackForTenQuestions(self):
-        self.device.configure_runtime(windowPolls=100)
-        self.device.install(apps.MAPS)
-        self.device.start_runtime()
-        self.start_entry(apps.MAPS)
-        self.bus("viewLicenses")
-        settings = intent(SDK, "android.settings.LEGAL_INFO", package="com.android.settings",
-                          flags=0x10008000)
-        self.assert_started(
-            ("activity", START, "startActivity", start(main_intent(apps.MAPS))),
-            *[asked(apps.MAPS.package)] * 10,
-            ("activity", START, "startActivity", start(settings)),
-            *[asked("com.android.settings")] * 10)
-
     def test_appsAskedForWhileTheRuntimeIsStoppedAreLaunchedEachTime(self):
         self.device.configure_runtime(readyDelay=5000)
         for _ in range(2):

@@ -11,12 +11,15 @@ FAILURES = 6
 KILLING = f"""
 killed=0
 for round in $(seq {FAILURES}); do
-    for attempt in $(seq 200); do
+    lumd=0
+    for attempt in $(seq 100); do
         lumd=$(systemctl show --value --property=MainPID {device.LUMD})
         if [ $lumd != 0 ] && [ $lumd != $killed ]; then break; fi
-        sleep 0.05
+        sleep 0.1
     done
-    kill -KILL $lumd && killed=$lumd
+    [ $lumd != 0 ] || exit 0
+    kill -KILL $lumd
+    killed=$lumd
 done
 """
 
