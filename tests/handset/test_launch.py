@@ -99,6 +99,7 @@ class Launch(AppScenario):
         self.bus("launchIntent", "ssssssa{sv}", "android.intent.action.VIEW", "", "",
                  apps.MAPS.package, "", "", "1", "list", "as", "1", "x")
         # Nobody unpacks extras before the app does.
+        self.device.wait_event("call", "service=SurfaceFlinger")
         call, *questions = self.started()
         self.assertIn("error", call)
         self.assertEqual(call["arguments"]["intent"]["extras"], {})
