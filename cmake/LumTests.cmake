@@ -46,3 +46,17 @@ function(lum_add_test name)
         "endif()\n")
     set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${include_file})
 endfunction()
+
+# lum_load_into_daemon(<library>): the library is loaded into a lumd without sanitizers, too, and
+# so has none itself.
+function(lum_load_into_daemon library)
+    target_compile_options(${library} PRIVATE -fno-sanitize=all)
+    target_link_options(${library} PRIVATE -fno-sanitize=all)
+endfunction()
+
+# lum_add_preload(<name> <source>...): a module for DaemonProcess::preload().
+function(lum_add_preload name)
+    add_library(${name} MODULE ${ARGN})
+    target_link_libraries(${name} PRIVATE lum_rules)
+    lum_load_into_daemon(${name})
+endfunction()
