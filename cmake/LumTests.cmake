@@ -46,3 +46,18 @@ function(lum_add_test name)
         "endif()\n")
     set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${include_file})
 endfunction()
+
+# lum_load_into_daemon(<library>): the library is loaded into a lumd without sanitizers, too, and
+# so has none itself; nor is it measured.
+function(lum_load_into_daemon library)
+    target_compile_options(${library} PRIVATE
+        -fno-sanitize=all -fno-profile-arcs -fno-test-coverage)
+    target_link_options(${library} PRIVATE -fno-sanitize=all)
+endfunction()
+
+# lum_add_preload(<name> <source>...): a module for DaemonProcess::preload().
+function(lum_add_preload name)
+    add_library(${name} MODULE ${ARGN})
+    target_link_libraries(${name} PRIVATE lum_rules)
+    lum_load_into_daemon(${name})
+endfunction()

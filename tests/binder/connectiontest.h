@@ -2,7 +2,7 @@
 #pragma once
 
 #include "tests/binder/runtimetest.h"
-#include "tests/support/stoppedclock.h"
+#include "tests/support/ownclock.h"
 
 /// The base of tests of connections. Time stands still, so that the tries of a connection that
 /// waits come when a test wants them to.

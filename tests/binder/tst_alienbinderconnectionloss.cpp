@@ -247,7 +247,7 @@ void TestAlienBinderConnectionLoss::linkClosesFiveSecondsAfterTheConnect()
     QTimer::singleShot(
         6500, Qt::PreciseTimer, this, [&] { events.append(QStringLiteral("after")); });
     for (int i = 0; i < 70; ++i) {
-        m_clock.advance(std::chrono::milliseconds(100));
+        shiftClock(std::chrono::milliseconds(100));
         QVERIFY(settle());
     }
 

@@ -79,7 +79,7 @@ private:
 
 void TestAlienBinderConnectionRetry::pass(std::chrono::milliseconds time)
 {
-    m_clock.advance(time);
+    shiftClock(time);
     QVERIFY(settle());
 }
 

@@ -2,7 +2,7 @@
 #include "daemon/datausage.h"
 
 #include "tests/daemon/daemonfixture.h"
-#include "tests/support/clockshift.h"
+#include "tests/support/ownclock.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/testmain.h"
 #include "tests/support/testnamespace.h"

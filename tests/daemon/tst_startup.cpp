@@ -46,11 +46,9 @@ bool hasInotify(int processId)
 /// Makes the daemon tell its environment when it ends.
 void recordEnvironment(DaemonProcess &daemon)
 {
-    daemon.setEnvironment(QStringLiteral("LD_PRELOAD"), QStringLiteral(ENVIRONMENT_AT_EXIT_PATH));
+    daemon.preload(QStringLiteral(ENVIRONMENT_AT_EXIT_PATH));
     daemon.setEnvironment(
         QStringLiteral("ENVIRONMENT_AT_EXIT"), QStringLiteral("/run/environment"));
-    daemon.setEnvironment(QStringLiteral("ASAN_OPTIONS"),
-        qEnvironmentVariable("ASAN_OPTIONS") + QStringLiteral(":verify_asan_link_order=0"));
 }
 
 /// What it told about D-Bus.

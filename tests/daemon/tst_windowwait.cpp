@@ -2,7 +2,7 @@
 #include "daemon/windowwait.h"
 #include "runtime/servicecontroller.h"
 #include "tests/binder/runtimetest.h"
-#include "tests/daemon/leapingclock.h"
+#include "tests/support/leapingclock.h"
 #include "tests/support/fakegbinder/fakebinder.h"
 #include "tests/support/fakegbinder/parcelreader.h"
 #include "tests/support/fakegbinder/parcelwriter.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <notification.h>
 
-#include "tests/support/clockshift.h"
+#include "tests/support/ownclock.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/notificationserver.h"
 #include "tests/support/privatebus.h"

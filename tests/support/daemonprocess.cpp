@@ -71,6 +71,13 @@ void DaemonProcess::setLoggingRules(const QString &rules)
     setEnvironment(QStringLiteral("QT_LOGGING_RULES"), rules);
 }
 
+void DaemonProcess::preload(const QString &module)
+{
+    setEnvironment(QStringLiteral("LD_PRELOAD"), module);
+    setEnvironment(QStringLiteral("ASAN_OPTIONS"),
+        qEnvironmentVariable("ASAN_OPTIONS") + QStringLiteral(":verify_asan_link_order=0"));
+}
+
 QString DaemonProcess::program()
 {
     return qEnvironmentVariable("LUMD_PROGRAM", QStringLiteral(LUMD_PROGRAM));

@@ -22,6 +22,9 @@ public:
     /// QT_LOGGING_RULES; "com.tovra.lumd.*=true" unless set.
     void setLoggingRules(const QString &rules);
 
+    /// Loads a module of lum_add_preload before all libraries.
+    void preload(const QString &module);
+
     /// The lumd of the environment variable LUMD_PROGRAM, else the one of this build.
     static QString program();
 

@@ -36,10 +36,8 @@ ShiftedClock::~ShiftedClock()
 
 void ShiftedClock::giveTo(DaemonProcess &process)
 {
-    process.setEnvironment(QStringLiteral("LD_PRELOAD"), QStringLiteral(CLOCK_SHIFT_MODULE));
+    process.preload(QStringLiteral(CLOCK_MODULE));
     process.setEnvironment(QStringLiteral("CLOCK_SHIFT"), QString::fromLatin1(path));
-    process.setEnvironment(QStringLiteral("ASAN_OPTIONS"),
-        qEnvironmentVariable("ASAN_OPTIONS") + QStringLiteral(":verify_asan_link_order=0"));
 }
 
 void ShiftedClock::forward(std::chrono::milliseconds time)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "userbus/userbus.h"
 
-#include "tests/support/clockshift.h"
+#include "tests/support/ownclock.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/privatebus.h"
 #include "tests/support/testmain.h"

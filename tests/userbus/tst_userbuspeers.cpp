@@ -2,7 +2,7 @@
 #include "userbus/busstrings.h"
 #include "userbus/userbus.h"
 
-#include "tests/support/clockshift.h"
+#include "tests/support/ownclock.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/testmain.h"
 #include "tests/userbus/rawpeer.h"

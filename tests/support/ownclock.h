@@ -3,8 +3,13 @@
 
 #include <chrono>
 
-/// While it lives, the monotonic clock of this process stands still, and with it all of Qt's
-/// timers, however long the machine takes. One at a time, of the main thread.
+/// Moves the monotonic clock of this process on. Timers that are due then fire in the event
+/// loop; what sleeps in the kernel has to be woken to notice. For another process see
+/// shiftedclock.h.
+void shiftClock(std::chrono::milliseconds time);
+
+/// While it lives, the monotonic clock of this process moves by shiftClock() alone, and with it
+/// all of Qt's timers, however long the machine takes. One at a time, of the main thread.
 ///
 /// QTest::qWait() and the QTRY macros wait for the clock: use QTest::qWaitFor(). So that its
 /// deadlines still end a test that hangs, the clock goes on by itself after 20 seconds. Moved by
@@ -16,7 +21,4 @@ public:
     ~StoppedClock();
     StoppedClock(const StoppedClock &) = delete;
     StoppedClock &operator=(const StoppedClock &) = delete;
-
-    /// Moves the clock on. What is due then happens in the event loop.
-    void advance(std::chrono::milliseconds time);
 };
