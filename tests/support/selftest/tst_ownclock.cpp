@@ -56,7 +56,7 @@ void TestOwnClock::timeGoesOnFromWhereItStood()
         const StoppedClock clock;
         shiftClock(3600s);
     }
-    QVERIFY(timer.elapsed() >= 100 * 1000);
+    QVERIFY(timer.elapsed() >= 3600 * 1000);
     timer.restart();
     usleep(2000);
     QVERIFY(timer.elapsed() >= 2);
@@ -67,7 +67,7 @@ void TestOwnClock::runningClockIsMovedToo()
     QElapsedTimer timer;
     timer.start();
     shiftClock(3600s);
-    QVERIFY(timer.elapsed() >= 100 * 1000);
+    QVERIFY(timer.elapsed() >= 3600 * 1000);
 }
 
 void TestOwnClock::leapingClockPassesAnHourAtOnce()
@@ -79,8 +79,8 @@ void TestOwnClock::leapingClockPassesAnHourAtOnce()
     QElapsedTimer elapsed;
     elapsed.start();
     timer.start(1h);
-    QVERIFY(spy.wait(2 * 100 * 1000));
-    QCOMPARE(elapsed.elapsed(), 100 * 1000);
+    QVERIFY(spy.wait(2 * 3600 * 1000));
+    QCOMPARE(elapsed.elapsed(), 3600 * 1000);
 }
 
 LUM_TEST_MAIN(TestOwnClock)
