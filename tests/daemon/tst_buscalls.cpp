@@ -86,6 +86,7 @@ private:
     void makeServices();
     bool bringRuntime(const char *first, const char *second);
     void sendSome(int count);
+    bool waitForTheWaits() const;
     Holdings holdings() const;
 
     std::unique_ptr<AppFixture> m_world;
@@ -143,6 +144,17 @@ void TestBusCalls::sendSome(int count)
     QCOMPARE(m_world->android->errors(), QStringList());
 }
 
+/// A wait for a window holds its question until its time is over, with the runtime down too.
+bool TestBusCalls::waitForTheWaits() const
+{
+    constexpr int patience = 20000;
+    return QTest::qWaitFor(
+        [this] {
+            return m_world->android->leaks().filter(QStringLiteral("SurfaceFlinger")).isEmpty();
+        },
+        patience);
+}
+
 TestBusCalls::Holdings TestBusCalls::holdings() const
 {
     const QString process = QStringLiteral("/proc/%1/").arg(m_world->daemon->processId());
@@ -170,8 +182,10 @@ void TestBusCalls::daemonComesThroughThemAll()
         if (QTest::currentTestFailed())
             return;
         QVERIFY(bringRuntime("deactivating", "inactive"));
-        if (sent == 0)
+        if (sent == 0) {
+            QVERIFY(waitForTheWaits());
             first = holdings();
+        }
         sendSome(phase);
         if (QTest::currentTestFailed())
             return;
@@ -179,6 +193,7 @@ void TestBusCalls::daemonComesThroughThemAll()
     // What has waited goes out.
     QVERIFY(bringRuntime("activating", "active"));
     QVERIFY(bringRuntime("deactivating", "inactive"));
+    QVERIFY(waitForTheWaits());
     const Holdings last = holdings();
     qInfo("%d calls: %d descriptors, then %d; %lld KB, then %lld, and %lld by binder", callCount(),
         first.descriptors, last.descriptors, first.kilobytes, last.kilobytes, m_binderBytes / 1024);

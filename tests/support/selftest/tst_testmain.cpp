@@ -107,7 +107,7 @@ void TestTestMain::everyFunctionBecomesAnEntryOfItsOwn()
     for (const char *name :
         {"passes", "leavesAMark", "alsoFindsNoMark", "rows", "fails", "crashes"}) {
         expected += QStringLiteral("add_test([=[sample.%1]=] [=[" SAMPLE_TEST "]=] [=[%1]=])\n"
-                                   "set_tests_properties([=[sample.%1]=] PROPERTIES TIMEOUT 60)\n")
+                                   "set_tests_properties([=[sample.%1]=] PROPERTIES TIMEOUT 240)\n")
                         .arg(QString::fromLatin1(name));
     }
     QCOMPARE(QString::fromUtf8(file.readAll()), expected);
