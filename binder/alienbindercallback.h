@@ -20,7 +20,9 @@ protected:
 };
 
 /// A local object that the daemon hands to the runtime in a call, so that the runtime can
-/// call back.
+/// call back. It answers as a service does, with a reply to each call that is not oneway. The
+/// observers of AlienPackageManager are plain local objects instead: the runtime gets a status
+/// alone from them, and new ones with each connect.
 class AlienBinderCallback : public QObject
 {
     Q_OBJECT

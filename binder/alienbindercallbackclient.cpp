@@ -14,15 +14,14 @@ AlienBinderCallbackClient::AlienBinderCallbackClient(
     : m_listener(listener),
       m_remote(remote),
       m_client(gbinder_client_new(remote, interface)),
-      m_deathHandlerId(gbinder_remote_object_add_death_handler(
-          remote, &AlienBinderCallbackClient::onDeath, this))
+      m_death(GBinder::watchDeath(remote, &AlienBinderCallbackClient::onDeath, this))
 {
 }
 
 AlienBinderCallbackClient::~AlienBinderCallbackClient()
 {
     m_client.reset();
-    gbinder_remote_object_remove_handler(m_remote.get(), m_deathHandlerId);
+    m_death.reset();
 }
 
 AlienBinderTransaction *AlienBinderCallbackClient::transaction(quint32 code, bool oneway)

@@ -50,5 +50,5 @@ private:
     AlienBinderDeathListener *m_listener;
     GBinder::RemoteObject m_remote;
     GBinder::Client m_client;
-    gulong m_deathHandlerId;
+    GBinder::DeathWatch m_death;
 };

@@ -20,15 +20,14 @@ constexpr auto laterRetries = 2000ms;
 
 bool isRuntimeActive()
 {
-    return ServiceController::instance()->serviceState() == QLatin1String("active");
+    return ServiceController::instance()->serviceState() == QLatin1String(UnitState::active);
 }
 
 } // namespace
 
 void AlienBinderConnection::WatchedRemote::release()
 {
-    if (deathHandlerId)
-        gbinder_remote_object_remove_handler(object.get(), std::exchange(deathHandlerId, 0));
+    death.reset();
     object.reset();
 }
 
@@ -86,7 +85,8 @@ void AlienBinderConnection::onServiceStateChanged()
 {
     if (isRuntimeActive())
         start();
-    else if (ServiceController::instance()->serviceState() == QLatin1String("deactivating"))
+    else if (ServiceController::instance()->serviceState()
+        == QLatin1String(UnitState::deactivating))
         disconnectFromService(Manager::Release);
     retryWhileMissing();
 }
@@ -151,8 +151,7 @@ void AlienBinderConnection::connectToService()
     }
     m_remote.object.reset(gbinder_remote_object_ref(found));
     qCDebug(binderLog) << "Connected to Alien Service" << m_serviceName;
-    m_remote.deathHandlerId =
-        gbinder_remote_object_add_death_handler(found, &AlienBinderConnection::onDeath, this);
+    m_remote.death = GBinder::watchDeath(found, &AlienBinderConnection::onDeath, this);
 
     if (m_client)
         m_replacedClients.push_back(std::move(m_client));
@@ -188,8 +187,7 @@ void AlienBinderConnection::disconnectFromService(Manager manager)
     if (manager == Manager::Release)
         m_replacedClients.clear();
     Q_EMIT connectionChanged(false);
-    if (m_remote.object)
-        m_remote.release();
+    m_remote.release();
     if (manager == Manager::Release)
         releaseReplacedRemotes();
     removeRegistrationHandler();

@@ -63,7 +63,7 @@ private:
     struct WatchedRemote
     {
         GBinder::RemoteObject object;
-        gulong deathHandlerId = 0;
+        GBinder::DeathWatch death;
 
         void release();
     };

@@ -13,7 +13,7 @@ AlienBinderService::AlienBinderService(
     connect(controller, &ServiceController::serviceStateChanged, this,
         [this] { onServiceStateChanged(); });
     const QString state = controller->serviceState();
-    if (state == QLatin1String("activating") || state == QLatin1String("active"))
+    if (state == QLatin1String(UnitState::activating) || state == QLatin1String(UnitState::active))
         onServiceStateChanged(true);
 }
 
@@ -50,9 +50,9 @@ bool AlienBinderService::processRequest(quint32 code, AlienBinderParcel *in, Ali
 void AlienBinderService::onServiceStateChanged(bool forceStartAttempt)
 {
     const QString state = ServiceController::instance()->serviceState();
-    if (forceStartAttempt || state == QLatin1String("activating"))
+    if (forceStartAttempt || state == QLatin1String(UnitState::activating))
         publish();
-    else if (state == QLatin1String("deactivating"))
+    else if (state == QLatin1String(UnitState::deactivating))
         stop();
 }
 

@@ -8,10 +8,12 @@
 
 #include <memory>
 
-/// One request and its reply on a binder client. The order of use: fill inputParcel(),
-/// execute() once, or start() and wait for finished(), read outputParcel(), delete. A
-/// transaction outlives the link it was made on; it then answers with empty parcels and a
-/// failed status. Deleted before finished(), it gives the call up.
+/// One request and its reply on a binder client, as an object that outlives the function which
+/// makes it: for a call that must not block the main thread (start()), and on an object that the
+/// runtime handed out (AlienBinderCallbackClient). A call that may block is a ClientCall. The order
+/// of use: fill inputParcel(), execute() once, or start() and wait for finished(), read
+/// outputParcel(), delete. A transaction outlives the link it was made on; it then answers with
+/// empty parcels and a failed status. Deleted before finished(), it gives the call up.
 class AlienBinderTransaction : public QObject
 {
     Q_OBJECT

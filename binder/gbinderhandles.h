@@ -23,4 +23,22 @@ using Client = std::unique_ptr<GBinderClient, Release<gbinder_client_unref>>;
 using LocalRequest = std::unique_ptr<GBinderLocalRequest, Release<gbinder_local_request_unref>>;
 using RemoteReply = std::unique_ptr<GBinderRemoteReply, Release<gbinder_remote_reply_unref>>;
 
+struct RemoveDeathHandler
+{
+    gulong id = 0;
+
+    void operator()(GBinderRemoteObject *object) const
+    {
+        gbinder_remote_object_remove_handler(object, id);
+    }
+};
+/// Hears of the death of an object, which it does not own: it goes before the RemoteObject.
+using DeathWatch = std::unique_ptr<GBinderRemoteObject, RemoveDeathHandler>;
+
+inline DeathWatch watchDeath(
+    GBinderRemoteObject *object, GBinderRemoteObjectNotifyFunc died, void *listener)
+{
+    return {object, {gbinder_remote_object_add_death_handler(object, died, listener)}};
+}
+
 } // namespace GBinder

@@ -2,6 +2,7 @@
 #include "clients/alienactivitymanager.h"
 
 #include "clients/alienintent.h"
+#include "clients/androiduser.h"
 #include "clients/clientcall.h"
 #include "clients/transactioncodes.h"
 
@@ -22,7 +23,7 @@ void AlienActivityManager::startActivity(const AlienIntent &intent)
 {
     GBinderClient *const link = client();
     if (!link)
-        return;
+        return; // the intent would ask for the SDK level, and say so where there is none
     const QString empty = QLatin1String("");
     ClientCall call(link);
     AlienBinderParcel &parcel = call.parcel();
@@ -37,16 +38,13 @@ void AlienActivityManager::startActivity(const AlienIntent &intent)
     parcel.writeInt32(0); // start flags
     parcel.writeInt32(0); // no profiler
     parcel.writeInt32(0); // no options
-    call.transact(transactionCode(startActivityCodes));
+    call.transact(startActivityCodes);
 }
 
 void AlienActivityManager::forceStopPackage(const QString &packageName)
 {
-    GBinderClient *const link = client();
-    if (!link)
-        return;
-    ClientCall call(link);
+    ClientCall call(client());
     call.parcel().writeString(packageName);
     call.parcel().writeInt32(androidUser);
-    call.transact(transactionCode(forceStopPackageCodes));
+    call.transact(forceStopPackageCodes);
 }

@@ -21,10 +21,7 @@ AlienDeviceIdle::AlienDeviceIdle()
 
 void AlienDeviceIdle::setWhitelisted(const QString &packageName, bool allowed)
 {
-    GBinderClient *const link = client();
-    if (!link)
-        return;
-    ClientCall call(link);
+    ClientCall call(client());
     call.parcel().writeString(packageName);
     call.transact(allowed ? addPowerSaveWhitelistAppCode : removePowerSaveWhitelistAppCode);
     if (call.status() != 0)
@@ -33,12 +30,9 @@ void AlienDeviceIdle::setWhitelisted(const QString &packageName, bool allowed)
 
 bool AlienDeviceIdle::isWhitelisted(const QString &packageName)
 {
-    GBinderClient *const link = client();
-    if (!link)
-        return false;
-    ClientCall call(link);
+    ClientCall call(client());
     call.parcel().writeString(packageName);
-    GBinderRemoteReply *const reply = call.transact(transactionCode(isPowerSaveWhitelistAppCodes));
+    GBinderRemoteReply *const reply = call.transact(isPowerSaveWhitelistAppCodes);
     gint32 status = call.status();
     gint32 result = 0;
     if (reply && status == 0) {

@@ -3,6 +3,7 @@
 
 #include "binder/logging.h"
 #include "clients/alienservicemonitor.h"
+#include "clients/androiduser.h"
 #include "clients/clientcall.h"
 #include "clients/installresult.h"
 #include "clients/transactioncodes.h"
@@ -80,48 +81,36 @@ void AlienPackageManager::installPackage(const QString &path, bool silent)
 
 void AlienPackageManager::deletePackage(const QString &packageName, bool silent)
 {
-    GBinderClient *const link = client();
-    if (!link)
-        return;
-    ClientCall call(link);
+    ClientCall call(client());
     call.parcel().writeString(packageName);
     call.parcel().writeInt32(anyVersion);
     call.parcel().writeLocalObject(silent ? nullptr : m_deleteObserver.get());
     call.parcel().writeInt32(androidUser);
     call.parcel().writeInt32(deleteFlags);
-    call.transact(transactionCode(deletePackageCodes));
+    call.transact(deletePackageCodes);
 }
 
 void AlienPackageManager::deleteApplicationCacheFiles(const QString &packageName)
 {
-    GBinderClient *const link = client();
-    if (!link)
-        return;
-    ClientCall call(link);
+    ClientCall call(client());
     call.parcel().writeString(packageName);
     call.parcel().writeInt32(androidUser);
     call.parcel().writeLocalObject(nullptr);
-    call.transact(transactionCode(deleteApplicationCacheFilesCodes));
+    call.transact(deleteApplicationCacheFilesCodes);
 }
 
 void AlienPackageManager::clearApplicationUserData(const QString &packageName)
 {
-    GBinderClient *const link = client();
-    if (!link)
-        return;
-    ClientCall call(link);
+    ClientCall call(client());
     call.parcel().writeString(packageName);
     call.parcel().writeLocalObject(nullptr);
     call.parcel().writeInt32(androidUser);
-    call.transact(transactionCode(clearApplicationUserDataCodes));
+    call.transact(clearApplicationUserDataCodes);
 }
 
 qint32 AlienPackageManager::packageUid(const QString &packageName, qint32 flags)
 {
-    GBinderClient *const link = client();
-    if (!link)
-        return -1;
-    ClientCall call(link);
+    ClientCall call(client());
     call.parcel().writeString(packageName);
     call.parcel().writeInt32(flags);
     call.parcel().writeInt32(androidUser);

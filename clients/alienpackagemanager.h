@@ -39,6 +39,7 @@ private:
     int onInstallObserverRequest(GBinderRemoteRequest *request, quint32 code);
     int onDeleteObserverRequest(GBinderRemoteRequest *request, quint32 code);
 
+    // Not AlienBinderCallback: a call on them has no reply, and they change with each connect.
     GBinder::LocalObject m_installObserver;
     GBinder::LocalObject m_deleteObserver;
     // Observers of requests made before a second connect without a disconnect: until that their

@@ -24,20 +24,14 @@ AlienServiceMonitor::AlienServiceMonitor()
 
 void AlienServiceMonitor::launchPackage(const QString &packageName)
 {
-    GBinderClient *const link = client();
-    if (!link)
-        return;
-    ClientCall call(link);
+    ClientCall call(client());
     call.parcel().writeString(packageName);
     call.transact(launchPackageCode);
 }
 
 bool AlienServiceMonitor::installPackage(const QString &path, GBinderLocalObject *observer)
 {
-    GBinderClient *const link = client();
-    if (!link)
-        return false;
-    ClientCall call(link);
+    ClientCall call(client());
     call.parcel().writeString(path);
     call.parcel().writeLocalObject(observer);
     qint32 accepted = 0;

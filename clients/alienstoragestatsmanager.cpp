@@ -49,14 +49,14 @@ AppSizeInfo AlienStorageStatsManager::queryStatsForPackage(
     qCDebug(binderLog) << "Requesting package stats";
     GBinderClient *const link = client();
     if (!link)
-        return {};
+        return {}; // nothing was answered, not an answer that lacks its figures
     ClientCall call(link);
     call.parcel().writeString(volumeUuid);
     call.parcel().writeString(packageName);
     call.parcel().writeInt32(userId);
     const QString noCallingPackage;
     call.parcel().writeString(noCallingPackage);
-    GBinderRemoteReply *const reply = call.transact(transactionCode(queryStatsForPackageCodes));
+    GBinderRemoteReply *const reply = call.transact(queryStatsForPackageCodes);
     if (call.status() != 0)
         qCCritical(binderLog) << "Error requesting package stats:" << call.status();
     return readStats(reply);

@@ -4,14 +4,16 @@
 #include "binder/alienbinderparcel.h"
 #include "binder/gbinderhandles.h"
 
-/// The one Android user that the runtime has (UserHandle.USER_SYSTEM).
-constexpr qint32 androidUser = 0;
+struct TransactionCodes;
 
-/// One synchronous call on a client: fill parcel(), then transact() once.
+/// One synchronous call on a client: fill parcel(), then transact() once. The usual way to call the
+/// runtime, from a function that makes the call and reads the answer. AlienBinderTransaction is for
+/// a call that must not block, or that lives on when the function has returned.
 class ClientCall
 {
 public:
-    /// @p client is not owned and must not be null.
+    /// @p client is not owned. Null, for a link that is down, makes a call that takes arguments and
+    /// does nothing, without a word.
     explicit ClientCall(GBinderClient *client);
 
     /// The arguments.
@@ -20,8 +22,10 @@ public:
     /// Makes the call and blocks until it is answered. The reply belongs to this object; null
     /// when there is none.
     GBinderRemoteReply *transact(quint32 code);
+    /// The same with the code for the runtime's SDK level, which is asked for with a link alone.
+    GBinderRemoteReply *transact(const TransactionCodes &codes);
 
-    /// How the call went: 0 for success, else a negative error.
+    /// How the call went: 0 for success and without a link, else a negative error.
     int status() const { return m_status; }
 
 private:

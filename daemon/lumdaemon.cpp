@@ -45,6 +45,8 @@ LumDaemon::LumDaemon(ApkConfig *config)
     connectMembers();
     prepareFolders();
     claimBus();
+    // Behind the name, which a second instance does not get: what it emits stays off the bus. Not
+    // too late, since no call arrives before the event loop runs.
     new LumDaemonAdaptor(this);
 }
 
@@ -106,7 +108,8 @@ QDir LumDaemon::incomingDir() const
 void LumDaemon::startServiceIfNeeded()
 {
     const QString state = m_serviceController->serviceState();
-    if (state == QLatin1String("inactive") || state == QLatin1String("deactivating"))
+    if (state == QLatin1String(UnitState::inactive)
+        || state == QLatin1String(UnitState::deactivating))
         controlService(true);
 }
 

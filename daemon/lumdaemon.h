@@ -136,6 +136,8 @@ private:
     void launchQueuedIntents();
     void notifyLaunchPending(const QString &package);
 
+    // In this order they connect and hear of the runtime's state, and in this order the runtime
+    // gets their answers and calls.
     ApkManager m_apkManager;
     AlienPackageManager m_packageManager;
     AlienActivityManager m_activityManager;

@@ -2,6 +2,7 @@
 // Managing installed apps: sizes, data, start on boot, the upgrade of the runtime.
 #include "daemon/lumdaemon.h"
 
+#include "clients/androiduser.h"
 #include "config/apkconfig.h"
 #include "daemon/logging.h"
 
@@ -11,7 +12,6 @@
 AppSizeInfo LumDaemon::getAppSize(const QString &packageName)
 {
     const QString internalVolume;
-    constexpr qint32 androidUser = 0;
     AppSizeInfo info =
         m_storageStatsManager.queryStatsForPackage(packageName, internalVolume, androidUser);
     // Unsigned, so that figures beyond all reason wrap around.

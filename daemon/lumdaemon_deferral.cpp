@@ -44,6 +44,8 @@ void LumDaemon::onAlienServiceAvailable(bool connected)
     if (!connected || !m_packageManager.client())
         return;
     drainDeferredLaunches();
+    // Once more: the launches are calls that block, and what is handed to a package manager that
+    // has gone meanwhile would be lost rather than kept.
     if (m_packageManager.client())
         processDeferredMods();
 }

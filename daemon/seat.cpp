@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "daemon/seat.h"
 
+#include "runtime/seatname.h"
+
 #include <QtDebug>
 
 #include <systemd/sd-login.h>
@@ -14,9 +16,6 @@
 #include <poll.h>
 
 namespace {
-
-// systemd's own default for the one seat of a device (sd-login(3)).
-constexpr char seatName[] = "seat0";
 
 struct ReleaseMonitor
 {

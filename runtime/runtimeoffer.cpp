@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "runtime/runtimeoffer.h"
 
+#include "runtime/seatname.h"
+
 #include <vsu.h>
 #include <vsurepomanager.h>
 
@@ -48,7 +50,7 @@ bool takeGroupsOf(uid_t uid)
 int runLauncher()
 {
     uid_t uid = 0;
-    if (sd_seat_get_active("seat0", nullptr, &uid) >= 0
+    if (sd_seat_get_active(seatName, nullptr, &uid) >= 0
         && (!takeGroupsOf(uid) || setuid(uid) != 0)) {
         std::fprintf(stderr, "Could not setuid to logged-in user");
         return failed;

@@ -74,7 +74,7 @@ ServiceController::ServiceController()
         callManager(QStringLiteral("LoadUnit"), {QString(QLatin1String(unitName))});
     if (!unit.isValid()) {
         qCCritical(serviceLog) << "Could not find Alien Dalvik service:" << unit.error().message();
-        m_serviceState = QStringLiteral("invalid");
+        m_serviceState = QLatin1String(UnitState::invalid);
         return;
     }
     m_unitPath = unit.value().path();
@@ -92,8 +92,8 @@ ServiceController::ServiceController()
 
 void ServiceController::controlService(bool start)
 {
-    const QLatin1String reached(start ? "active" : "inactive");
-    const QLatin1String underWay(start ? "activating" : "deactivating");
+    const QLatin1String reached(start ? UnitState::active : UnitState::inactive);
+    const QLatin1String underWay(start ? UnitState::activating : UnitState::deactivating);
     if (m_serviceState == reached || m_serviceState == underWay)
         return;
     callManager(start ? QStringLiteral("StartUnit") : QStringLiteral("StopUnit"),

@@ -4,6 +4,19 @@
 #include <QObject>
 #include <QVariantMap>
 
+/// The values of ServiceController::serviceState() that decide anything.
+namespace UnitState {
+
+// ActiveState of org.freedesktop.systemd1(5)
+constexpr char active[] = "active";
+constexpr char activating[] = "activating";
+constexpr char inactive[] = "inactive";
+constexpr char deactivating[] = "deactivating";
+/// The unit could not be loaded: no word of systemd's.
+constexpr char invalid[] = "invalid";
+
+} // namespace UnitState
+
 /// The daemon's one view of the Android runtime's systemd unit: a mirror of its state, and
 /// the four requests that change it. Lives on the main thread, until the process ends.
 class ServiceController : public QObject

@@ -5,8 +5,7 @@
 
 QVariant Quillfin::PolicyValue::keyValue(int key)
 {
-    const QVariant value =
-        iniValue("/etc/lumd/platform/policy.conf", QStringLiteral("policy/%1").arg(key));
+    const QVariant value = iniValue(policyFile, QStringLiteral("policy/%1").arg(key));
     if (!value.isValid())
         return {};
     // Not QVariant's own reading, for which "no" is true: this allows and forbids.

@@ -5,5 +5,5 @@
 
 int Vsu::deviceMode() const
 {
-    return iniValue("/etc/lumd/platform/vsu.conf", QStringLiteral("vsu/deviceMode")).toInt();
+    return iniValue(repositoryFile, QStringLiteral("vsu/deviceMode")).toInt();
 }

@@ -7,5 +7,5 @@ QStringList VsuRepoManager::repos(bool rnd, int filter) const
 {
     Q_UNUSED(filter)
     const QString key = rnd ? QStringLiteral("vsu/rndRepos") : QStringLiteral("vsu/repos");
-    return iniValue("/etc/lumd/platform/vsu.conf", key).toStringList();
+    return iniValue(repositoryFile, key).toStringList();
 }

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "clients/clientcall.h"
 
+#include "clients/transactioncodes.h"
 #include "tests/binder/androidpeer.h"
 #include "tests/clients/clienttest.h"
+#include "tests/support/logcapture.h"
 #include "tests/support/testmain.h"
 #include "tests/support/text.h"
 
@@ -22,6 +24,7 @@ private Q_SLOTS:
     void callWithoutReplyIsNoFailure();
     void releasesTheRequestThenTheReply();
     void sendsNothingUntilItIsMade();
+    void withoutALinkDoesNothing();
 
 private:
     AndroidPeer m_peer;
@@ -85,6 +88,23 @@ void TestClientCall::sendsNothingUntilItIsMade()
         QCOMPARE(call.status(), 0);
     }
     QCOMPARE(FakeBinder::ledger(), texts({"client_new_request peer", "local_request_unref peer"}));
+}
+
+void TestClientCall::withoutALinkDoesNothing()
+{
+    LogCapture log;
+    FakeBinder::clearLedger();
+    {
+        ClientCall call(nullptr);
+        call.parcel().writeInt32(5);
+        call.parcel().writeLocalObject(nullptr);
+        QCOMPARE(call.transact(1), nullptr);
+        // There is no runtime that has a level.
+        QCOMPARE(call.transact(TransactionCodes{1, 2, 3}), nullptr);
+        QCOMPARE(call.status(), 0);
+    }
+    QCOMPARE(FakeBinder::ledger(), QStringList());
+    QCOMPARE(log.take(), QStringList());
 }
 
 LUM_TEST_MAIN(TestClientCall)

@@ -2,8 +2,8 @@
 #include "daemon/datausage.h"
 
 #include "tests/daemon/daemonfixture.h"
-#include "tests/support/ownclock.h"
 #include "tests/support/logcapture.h"
+#include "tests/support/ownclock.h"
 #include "tests/support/testmain.h"
 #include "tests/support/testnamespace.h"
 

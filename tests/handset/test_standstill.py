@@ -3,7 +3,6 @@
 
 import apps
 import callers
-import device
 from appscenario import AppScenario
 
 # The longest wait for a window, in seconds, and what a busy machine may add to it.

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <notification.h>
 
-#include "tests/support/ownclock.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/notificationserver.h"
+#include "tests/support/ownclock.h"
 #include "tests/support/privatebus.h"
 #include "tests/support/testmain.h"
 #include "userbus/userbus.h"

@@ -31,7 +31,6 @@ public:
     mutable std::mutex mutex;
     QVector<FakeBinder::Request> requests;
     QVector<FakeBinder::PublishedService> published;
-    quint32 nextRemoteObject = 1000; // as the world inside the daemon counts
 
 private:
     void serve();

@@ -52,53 +52,16 @@ void RemoteFakeBinder::registerService(const QString &name, const Handler &handl
         {QLatin1String("silent"), notice == Notice::None}});
 }
 
-void RemoteFakeBinder::unregisterService(const QString &name)
-{
-    m_d->perform(
-        {{QLatin1String("op"), QLatin1String("unregisterService")}, {QLatin1String("name"), name}});
-}
-
 void RemoteFakeBinder::killService(const QString &name, Notice notice)
 {
     m_d->perform({{QLatin1String("op"), QLatin1String("killService")},
         {QLatin1String("name"), name}, {QLatin1String("silent"), notice == Notice::None}});
 }
 
-void RemoteFakeBinder::notifyRegistration(const QString &name)
-{
-    m_d->perform({{QLatin1String("op"), QLatin1String("notifyRegistration")},
-        {QLatin1String("name"), name}});
-}
-
-void RemoteFakeBinder::killRemoteObject(quint32 id, Notice notice)
-{
-    m_d->perform({{QLatin1String("op"), QLatin1String("killRemoteObject")},
-        {QLatin1String("object"), qint64(id)}, {QLatin1String("silent"), notice == Notice::None}});
-}
-
-quint32 RemoteFakeBinder::newRemoteObject(const QString &label, const Handler &handler)
-{
-    m_d->perform({{QLatin1String("op"), QLatin1String("newRemoteObject")},
-        {QLatin1String("name"), label}, {QLatin1String("handler"), m_d->keep(handler)}});
-    return m_d->nextRemoteObject++;
-}
-
 void RemoteFakeBinder::failClients(const QString &service, bool fail)
 {
     m_d->perform({{QLatin1String("op"), QLatin1String("failClients")},
         {QLatin1String("name"), service}, {QLatin1String("flag"), fail}});
-}
-
-void RemoteFakeBinder::failLocalObjects(bool fail)
-{
-    m_d->perform(
-        {{QLatin1String("op"), QLatin1String("failLocalObjects")}, {QLatin1String("flag"), fail}});
-}
-
-void RemoteFakeBinder::failServiceNames(bool fail)
-{
-    m_d->perform(
-        {{QLatin1String("op"), QLatin1String("failServiceNames")}, {QLatin1String("flag"), fail}});
 }
 
 bool RemoteFakeBinder::waitForPublished(const QString &name)

@@ -32,14 +32,8 @@ public:
     void setProtocol(FakeBinder::Protocol protocol);
     void registerService(const QString &name, const FakeBinder::Handler &handler = {},
         FakeBinder::Notice notice = FakeBinder::Notice::Deferred);
-    void unregisterService(const QString &name);
     void killService(const QString &name, FakeBinder::Notice notice = FakeBinder::Notice::Deferred);
-    void notifyRegistration(const QString &name);
-    void killRemoteObject(quint32 id, FakeBinder::Notice notice = FakeBinder::Notice::Deferred);
-    quint32 newRemoteObject(const QString &label, const FakeBinder::Handler &handler = {});
     void failClients(const QString &service, bool fail = true);
-    void failLocalObjects(bool fail = true);
-    void failServiceNames(bool fail = true);
 
     /// Waits until the daemon offers that service; false after ten seconds.
     bool waitForPublished(const QString &name);

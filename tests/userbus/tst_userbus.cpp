@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "userbus/userbus.h"
 
-#include "tests/support/ownclock.h"
 #include "tests/support/logcapture.h"
+#include "tests/support/ownclock.h"
 #include "tests/support/privatebus.h"
 #include "tests/support/testmain.h"
 #include "tests/userbus/rawpeer.h"

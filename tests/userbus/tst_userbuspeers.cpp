@@ -2,8 +2,8 @@
 #include "userbus/busstrings.h"
 #include "userbus/userbus.h"
 
-#include "tests/support/ownclock.h"
 #include "tests/support/logcapture.h"
+#include "tests/support/ownclock.h"
 #include "tests/support/testmain.h"
 #include "tests/userbus/rawpeer.h"
 #include "tests/userbus/recorder.h"

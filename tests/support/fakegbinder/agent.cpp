@@ -123,22 +123,10 @@ QJsonValue Agent::performNow(const QJsonObject &operation)
         setProtocol(flag ? Protocol::Aidl2 : Protocol::Aidl);
     else if (op == QLatin1String("registerService"))
         registerService(name, handlerFor(operation), noticeOf(operation));
-    else if (op == QLatin1String("unregisterService"))
-        unregisterService(name);
     else if (op == QLatin1String("killService"))
         killService(name, noticeOf(operation));
-    else if (op == QLatin1String("killRemoteObject"))
-        killRemoteObject(quint32(operation[QLatin1String("object")].toInt()), noticeOf(operation));
-    else if (op == QLatin1String("notifyRegistration"))
-        notifyRegistration(name);
-    else if (op == QLatin1String("newRemoteObject"))
-        newRemoteObject(name, handlerFor(operation));
     else if (op == QLatin1String("failClients"))
         failClients(name, flag);
-    else if (op == QLatin1String("failLocalObjects"))
-        failLocalObjects(flag);
-    else if (op == QLatin1String("failServiceNames"))
-        failServiceNames(flag);
     else if (op == QLatin1String("ledger"))
         return toJson(ledger());
     else if (op == QLatin1String("clearLedger"))

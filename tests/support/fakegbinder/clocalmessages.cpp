@@ -29,11 +29,6 @@ Pointer *appendTo(Pointer *pointer, Kind kind, void (*append)(GBinderWriter *, V
 
 extern "C" {
 
-GBinderLocalRequest *gbinder_local_request_ref(GBinderLocalRequest *request)
-{
-    return addReference(request, Kind::LocalRequest);
-}
-
 void gbinder_local_request_unref(GBinderLocalRequest *request)
 {
     release(request, Kind::LocalRequest);
@@ -44,30 +39,9 @@ void gbinder_local_request_init_writer(GBinderLocalRequest *request, GBinderWrit
     *writer = writerOf(findMessage(request, Kind::LocalRequest, "local_request_init_writer"));
 }
 
-GBinderLocalRequest *gbinder_local_request_append_bool(GBinderLocalRequest *request, gboolean value)
-{
-    return appendTo(request, Kind::LocalRequest, gbinder_writer_append_bool, value);
-}
-
 GBinderLocalRequest *gbinder_local_request_append_int32(GBinderLocalRequest *request, guint32 value)
 {
     return appendTo(request, Kind::LocalRequest, gbinder_writer_append_int32, value);
-}
-
-GBinderLocalRequest *gbinder_local_request_append_int64(GBinderLocalRequest *request, guint64 value)
-{
-    return appendTo(request, Kind::LocalRequest, gbinder_writer_append_int64, value);
-}
-
-GBinderLocalRequest *gbinder_local_request_append_float(GBinderLocalRequest *request, gfloat value)
-{
-    return appendTo(request, Kind::LocalRequest, gbinder_writer_append_float, value);
-}
-
-GBinderLocalRequest *gbinder_local_request_append_double(
-    GBinderLocalRequest *request, gdouble value)
-{
-    return appendTo(request, Kind::LocalRequest, gbinder_writer_append_double, value);
 }
 
 GBinderLocalRequest *gbinder_local_request_append_string16(
@@ -82,17 +56,6 @@ GBinderLocalRequest *gbinder_local_request_append_local_object(
     return appendTo(request, Kind::LocalRequest, gbinder_writer_append_local_object, obj);
 }
 
-GBinderLocalRequest *gbinder_local_request_append_remote_object(
-    GBinderLocalRequest *request, GBinderRemoteObject *obj)
-{
-    return appendTo(request, Kind::LocalRequest, gbinder_writer_append_remote_object, obj);
-}
-
-GBinderLocalReply *gbinder_local_reply_ref(GBinderLocalReply *reply)
-{
-    return addReference(reply, Kind::LocalReply);
-}
-
 void gbinder_local_reply_unref(GBinderLocalReply *reply)
 {
     release(reply, Kind::LocalReply);
@@ -103,46 +66,14 @@ void gbinder_local_reply_init_writer(GBinderLocalReply *reply, GBinderWriter *wr
     *writer = writerOf(findMessage(reply, Kind::LocalReply, "local_reply_init_writer"));
 }
 
-GBinderLocalReply *gbinder_local_reply_append_bool(GBinderLocalReply *reply, gboolean value)
-{
-    return appendTo(reply, Kind::LocalReply, gbinder_writer_append_bool, value);
-}
-
 GBinderLocalReply *gbinder_local_reply_append_int32(GBinderLocalReply *reply, guint32 value)
 {
     return appendTo(reply, Kind::LocalReply, gbinder_writer_append_int32, value);
 }
 
-GBinderLocalReply *gbinder_local_reply_append_int64(GBinderLocalReply *reply, guint64 value)
-{
-    return appendTo(reply, Kind::LocalReply, gbinder_writer_append_int64, value);
-}
-
-GBinderLocalReply *gbinder_local_reply_append_float(GBinderLocalReply *reply, gfloat value)
-{
-    return appendTo(reply, Kind::LocalReply, gbinder_writer_append_float, value);
-}
-
-GBinderLocalReply *gbinder_local_reply_append_double(GBinderLocalReply *reply, gdouble value)
-{
-    return appendTo(reply, Kind::LocalReply, gbinder_writer_append_double, value);
-}
-
 GBinderLocalReply *gbinder_local_reply_append_string16(GBinderLocalReply *reply, const char *utf8)
 {
     return appendTo(reply, Kind::LocalReply, gbinder_writer_append_string16, utf8);
-}
-
-GBinderLocalReply *gbinder_local_reply_append_local_object(
-    GBinderLocalReply *reply, GBinderLocalObject *obj)
-{
-    return appendTo(reply, Kind::LocalReply, gbinder_writer_append_local_object, obj);
-}
-
-GBinderLocalReply *gbinder_local_reply_append_remote_object(
-    GBinderLocalReply *reply, GBinderRemoteObject *obj)
-{
-    return appendTo(reply, Kind::LocalReply, gbinder_writer_append_remote_object, obj);
 }
 
 } // extern "C"

@@ -101,22 +101,7 @@ gboolean gbinder_reader_read_int32(GBinderReader *reader, gint32 *value)
     return readValue(reader, value);
 }
 
-gboolean gbinder_reader_read_uint32(GBinderReader *reader, guint32 *value)
-{
-    return readValue(reader, value);
-}
-
 gboolean gbinder_reader_read_int64(GBinderReader *reader, gint64 *value)
-{
-    return readValue(reader, value);
-}
-
-gboolean gbinder_reader_read_uint64(GBinderReader *reader, guint64 *value)
-{
-    return readValue(reader, value);
-}
-
-gboolean gbinder_reader_read_float(GBinderReader *reader, gfloat *value)
 {
     return readValue(reader, value);
 }
@@ -230,14 +215,6 @@ GBinderRemoteObject *gbinder_reader_read_object(GBinderReader *reader)
     return object;
 }
 
-const void *gbinder_reader_get_data(const GBinderReader *reader, gsize *size)
-{
-    const ReaderState &state = stateOf(reader);
-    if (size)
-        *size = state.size;
-    return state.start;
-}
-
 gsize gbinder_reader_bytes_read(const GBinderReader *reader)
 {
     return stateOf(reader).position;
@@ -246,11 +223,6 @@ gsize gbinder_reader_bytes_read(const GBinderReader *reader)
 gsize gbinder_reader_bytes_remaining(const GBinderReader *reader)
 {
     return stateOf(reader).size - stateOf(reader).position;
-}
-
-void gbinder_reader_copy(GBinderReader *dest, const GBinderReader *src)
-{
-    *dest = *src;
 }
 
 } // extern "C"

@@ -53,11 +53,6 @@ const char *gbinder_remote_request_interface(GBinderRemoteRequest *req)
                                                        : nullptr;
 }
 
-GBinderRemoteRequest *gbinder_remote_request_ref(GBinderRemoteRequest *req)
-{
-    return addReference(req, Kind::RemoteRequest);
-}
-
 void gbinder_remote_request_unref(GBinderRemoteRequest *req)
 {
     release(req, Kind::RemoteRequest);
@@ -68,45 +63,14 @@ void gbinder_remote_request_init_reader(GBinderRemoteRequest *req, GBinderReader
     initReader(reader, findMessage(req, Kind::RemoteRequest, "remote_request_init_reader"));
 }
 
-pid_t gbinder_remote_request_sender_pid(GBinderRemoteRequest *req)
-{
-    return findMessage(req, Kind::RemoteRequest, "remote_request_sender_pid") ? 1 : -1;
-}
-
-uid_t gbinder_remote_request_sender_euid(GBinderRemoteRequest *req)
-{
-    // Android's system server.
-    return findMessage(req, Kind::RemoteRequest, "remote_request_sender_euid") ? 1000 : uid_t(-1);
-}
-
 gboolean gbinder_remote_request_read_int32(GBinderRemoteRequest *req, gint32 *value)
 {
     return readFrom(req, Kind::RemoteRequest, gbinder_reader_read_int32, value);
 }
 
-gboolean gbinder_remote_request_read_uint32(GBinderRemoteRequest *req, guint32 *value)
-{
-    return readFrom(req, Kind::RemoteRequest, gbinder_reader_read_uint32, value);
-}
-
-gboolean gbinder_remote_request_read_int64(GBinderRemoteRequest *req, gint64 *value)
-{
-    return readFrom(req, Kind::RemoteRequest, gbinder_reader_read_int64, value);
-}
-
-gboolean gbinder_remote_request_read_uint64(GBinderRemoteRequest *req, guint64 *value)
-{
-    return readFrom(req, Kind::RemoteRequest, gbinder_reader_read_uint64, value);
-}
-
 char *gbinder_remote_request_read_string16(GBinderRemoteRequest *req)
 {
     return readFrom<char>(req, Kind::RemoteRequest, gbinder_reader_read_string16);
-}
-
-GBinderRemoteObject *gbinder_remote_request_read_object(GBinderRemoteRequest *req)
-{
-    return readFrom<GBinderRemoteObject>(req, Kind::RemoteRequest, gbinder_reader_read_object);
 }
 
 GBinderRemoteReply *gbinder_remote_reply_ref(GBinderRemoteReply *reply)
@@ -127,26 +91,6 @@ void gbinder_remote_reply_init_reader(GBinderRemoteReply *reply, GBinderReader *
 gboolean gbinder_remote_reply_read_int32(GBinderRemoteReply *reply, gint32 *value)
 {
     return readFrom(reply, Kind::RemoteReply, gbinder_reader_read_int32, value);
-}
-
-gboolean gbinder_remote_reply_read_uint32(GBinderRemoteReply *reply, guint32 *value)
-{
-    return readFrom(reply, Kind::RemoteReply, gbinder_reader_read_uint32, value);
-}
-
-gboolean gbinder_remote_reply_read_int64(GBinderRemoteReply *reply, gint64 *value)
-{
-    return readFrom(reply, Kind::RemoteReply, gbinder_reader_read_int64, value);
-}
-
-gboolean gbinder_remote_reply_read_uint64(GBinderRemoteReply *reply, guint64 *value)
-{
-    return readFrom(reply, Kind::RemoteReply, gbinder_reader_read_uint64, value);
-}
-
-char *gbinder_remote_reply_read_string16(GBinderRemoteReply *reply)
-{
-    return readFrom<char>(reply, Kind::RemoteReply, gbinder_reader_read_string16);
 }
 
 GBinderRemoteObject *gbinder_remote_reply_read_object(GBinderRemoteReply *reply)

@@ -107,25 +107,6 @@ GBinderRemoteObject *gbinder_servicemanager_get_service_sync(
     return reinterpret_cast<GBinderRemoteObject *>(object);
 }
 
-int gbinder_servicemanager_add_service_sync(
-    GBinderServiceManager *sm, const char *name, GBinderLocalObject *obj)
-{
-    World &world = World::instance();
-    std::unique_lock<std::mutex> lock(world.mutex);
-    auto *object =
-        lookUp<LocalObject>(world, obj, Kind::LocalObject, "servicemanager_add_service_sync");
-    if (!findManager(world, sm, "servicemanager_add_service_sync") || !object || !name)
-        return -EINVAL;
-    const QString service = QString::fromUtf8(name);
-    world.note(QStringLiteral("servicemanager_add_service_sync %1").arg(service));
-    auto *entry = world.make<ServiceName>(service, object->id);
-    entry->references = 0; // the caller gets no handle of it
-    world.published.append(entry);
-    lock.unlock();
-    announcePublished(world);
-    return GBINDER_STATUS_OK;
-}
-
 gulong gbinder_servicemanager_add_registration_handler(GBinderServiceManager *sm, const char *name,
     GBinderServiceManagerRegistrationFunc func, void *user_data)
 {
@@ -154,14 +135,6 @@ void gbinder_servicemanager_remove_handler(GBinderServiceManager *sm, gulong id)
     }
     world.registrationHandlers.remove(id);
     world.note(QStringLiteral("servicemanager_remove_handler %1").arg(id));
-}
-
-void gbinder_servicemanager_remove_handlers(GBinderServiceManager *sm, gulong *ids, guint count)
-{
-    for (guint i = 0; ids && i < count; ++i) {
-        gbinder_servicemanager_remove_handler(sm, ids[i]);
-        ids[i] = 0;
-    }
 }
 
 GBinderServiceName *gbinder_servicename_new(
