@@ -91,20 +91,22 @@ private Q_SLOTS:
 
 private:
     /// Reads the object as a call of the runtime would hand it over.
-    GBinderRemoteObject *receiveObject()
+    GBinderRemoteObject *receiveObject(quint32 id)
     {
         GBinderRemoteObject *object = nullptr;
-        const ParcelWriter bytes = ParcelWriter().remoteObject(m_id);
+        const ParcelWriter bytes = ParcelWriter().remoteObject(id);
         m_peer.receive(
             bytes.bytes(), [&object](AlienBinderParcel &parcel) { object = parcel.readObject(); },
             bytes.offsets());
         return object;
     }
 
-    AlienBinderCallbackClient *create()
+    AlienBinderCallbackClient *create() { return create(m_id); }
+
+    AlienBinderCallbackClient *create(quint32 id)
     {
         auto *const client =
-            AlienBinderCallbackClient::create(&m_story, receiveObject(), interfaceName);
+            AlienBinderCallbackClient::create(&m_story, receiveObject(id), interfaceName);
         m_story.follow(client);
         return client;
     }
@@ -137,7 +139,7 @@ void TestAlienBinderCallbackClient::nullObjectGivesNoClient()
 
 void TestAlienBinderCallbackClient::takesOverTheReferenceOfTheCaller()
 {
-    GBinderRemoteObject *const object = receiveObject();
+    GBinderRemoteObject *const object = receiveObject(m_id);
     FakeBinder::clearLedger();
     const std::unique_ptr<AlienBinderCallbackClient> client(
         AlienBinderCallbackClient::create(&m_story, object, interfaceName));
@@ -186,10 +188,18 @@ void TestAlienBinderCallbackClient::deathIsToldBeforeTheClientGoes()
 
 void TestAlienBinderCallbackClient::deathOfAnotherObjectIsNotHeard()
 {
-    const std::unique_ptr<AlienBinderCallbackClient> client(create());
-    FakeBinder::killRemoteObject(
-        FakeBinder::newRemoteObject(QStringLiteral("other")), Notice::Synchronous);
-    QCOMPARE(m_story.take(), QStringList());
+    const quint32 otherId = FakeBinder::newRemoteObject(QStringLiteral("other"));
+    const QPointer<AlienBinderCallbackClient> client = create();
+    const QPointer<AlienBinderCallbackClient> other = create(otherId);
+    const AlienBinderCallbackClient *const address = other;
+
+    FakeBinder::killRemoteObject(otherId, Notice::Synchronous);
+
+    QVERIFY(!other);
+    QCOMPARE(m_story.lastDead, address);
+    QCOMPARE(m_story.take().filter(QStringLiteral("died")).size(), 1);
+    QVERIFY(client);
+    delete client;
 }
 
 void TestAlienBinderCallbackClient::deathAfterTheEndIsNotHeard()

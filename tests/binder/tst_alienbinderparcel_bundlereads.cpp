@@ -44,6 +44,7 @@ private Q_SLOTS:
     void valueIsReadByItsTag_data();
     void valueIsReadByItsTag();
     void nullStringAndEmptyStringDiffer();
+    void nullKeyAndEmptyKeyDiffer();
     void unsupportedTagIsInvalid_data();
     void unsupportedTagIsInvalid();
     void bundleIsReadWithItsNullEntries();
@@ -117,6 +118,23 @@ void TestAlienBinderParcelBundleReads::nullStringAndEmptyStringDiffer()
         QVERIFY(!empty.toString().isNull());
         QVERIFY(empty.toString().isEmpty());
     });
+}
+
+void TestAlienBinderParcelBundleReads::nullKeyAndEmptyKeyDiffer()
+{
+    for (const bool isNull : {true, false}) {
+        ParcelWriter entries;
+        if (isNull)
+            entries.nullString16();
+        else
+            entries.string16(QStringLiteral(""));
+        entries.int32(9).int32(1);
+        m_peer.receive(bundle(1, entries) + (writer(1).raw(entries.bytes())).bytes(),
+            [isNull](AlienBinderParcel &parcel) {
+                QCOMPARE(parcel.readBundle().firstKey().isNull(), isNull);
+                QCOMPARE(parcel.readMap().firstKey().isNull(), isNull);
+            });
+    }
 }
 
 void TestAlienBinderParcelBundleReads::unsupportedTagIsInvalid_data()

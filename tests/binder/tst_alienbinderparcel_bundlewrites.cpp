@@ -42,6 +42,7 @@ private Q_SLOTS:
     void emptyBundleIsTwelveBytes();
     void bundleOfOneEntry();
     void entriesGoOutInTheOrderOfTheirKeys();
+    void nullKeyAndEmptyKeyDiffer();
     void bundleStandsBetweenOtherValues();
     void mapIsACountAndItsEntries();
     void intMapIsACountAndItsEntries();
@@ -186,6 +187,16 @@ void TestAlienBinderParcelBundleWrites::entriesGoOutInTheOrderOfTheirKeys()
     const QByteArray expected =
         ParcelWriter().int32(entries.bytes().size()).raw("BNDL").raw(entries.bytes()).bytes();
     QCOMPARE(bytes, expected.toHex(' '));
+}
+
+void TestAlienBinderParcelBundleWrites::nullKeyAndEmptyKeyDiffer()
+{
+    const auto bytesOf = [this](const QString &key) {
+        return written([&key](AlienBinderParcel &parcel) { parcel.writeMap({{key, true}}); });
+    };
+    QCOMPARE(bytesOf(QString()), hex("01000000 ffffffff 09000000 01000000").toHex(' '));
+    QCOMPARE(bytesOf(QStringLiteral("")),
+        hex("01000000 00000000 0000ffff 09000000 01000000").toHex(' '));
 }
 
 void TestAlienBinderParcelBundleWrites::bundleStandsBetweenOtherValues()

@@ -96,6 +96,15 @@ void TestAlienBinderParcelReads::readsExactValues_data()
     // QString::fromUtf16 takes a mark at the head for what it says of the byte order.
     row("string with a byte order mark", "02000000fffe61000000 0000",
         [](P &p) { QCOMPARE(p.readString(), QStringLiteral("a")); });
+    row("string with a mark of the other byte order", "03000000feff00610062 0000",
+        [](P &p) { QCOMPARE(p.readString(), QStringLiteral("ab")); });
+    row("mark alone", "01000000fffe0000", [](P &p) { QCOMPARE(p.readString(), QString()); });
+    row("mark behind the head", "020000006100fffe0000 0000", [](P &p) {
+        QCOMPARE(p.readString(), QLatin1Char('a') + QString(QChar(QChar::ByteOrderMark)));
+    });
+    row("mark of the other byte order behind the head", "020000006100feff0000 0000", [](P &p) {
+        QCOMPARE(p.readString(), QLatin1Char('a') + QString(QChar(QChar::ByteOrderSwapped)));
+    });
     row("list", "03000000 0100000062000000 ffffffff 0100000061000000", [](P &p) {
         QCOMPARE(shown(p.readStringList()), texts({"\"b\"", "(null)", "\"a\""}));
     });

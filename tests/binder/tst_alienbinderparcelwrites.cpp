@@ -47,7 +47,6 @@ private Q_SLOTS:
     void writesFollowEachOther();
     void writesContinueOnTheWriterOfSomebodyElse();
     void writesIntoLocalReply();
-    void writeOfListLeavesTheListAlone();
     void parcelOwnsNothing();
 
 private:
@@ -270,14 +269,6 @@ void TestAlienBinderParcelWrites::writesIntoLocalReply()
 
     QVERIFY(answer.hasReply);
     QCOMPARE(answer.bytes, hex("07000000"));
-}
-
-void TestAlienBinderParcelWrites::writeOfListLeavesTheListAlone()
-{
-    const QStringList list{QStringLiteral("a"), QStringLiteral("b")};
-    const QStringList copy = list;
-    m_peer.send([&list](AlienBinderParcel &parcel) { parcel.writeStringList(list); });
-    QCOMPARE(list, copy);
 }
 
 void TestAlienBinderParcelWrites::parcelOwnsNothing()

@@ -40,6 +40,8 @@ class TestAlienBinderTransactionStart : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
+    void requestThatCannotBeMadeIsNotSent();
+    void replyOfAFailedCallIsKept();
 
     void replyIsReadOnceTheCallHasFinished();
     void statusIsTheOneOfTheCall_data();
@@ -262,6 +264,39 @@ void TestAlienBinderTransactionStart::whatACallHeldThatWasGivenUpIsReleasedWithT
     // The one way to an answer from a service that gives none.
     FakeBinder::killService(QStringLiteral("peer"));
     QTRY_COMPARE(held.use_count(), 1L);
+}
+
+void TestAlienBinderTransactionStart::requestThatCannotBeMadeIsNotSent()
+{
+    FakeBinder::failRequests();
+    AlienBinderTransaction transaction(m_peer.client(), code, withReply, nullptr);
+    FakeBinder::failRequests(false);
+    FakeBinder::clearLedger();
+    LogCapture log;
+
+    QCOMPARE(transaction.execute(), -1);
+    QVERIFY(!transaction.start());
+    transaction.inputParcel()->writeInt32(5);
+
+    QCOMPARE(log.take(),
+        texts({"warning com.tovra.lumd.binder Cannot create input parcel. Returning empty"}));
+    QCOMPARE(FakeBinder::ledger(), QStringList());
+    QCOMPARE(FakeBinder::requests().size(), 0);
+}
+
+void TestAlienBinderTransactionStart::replyOfAFailedCallIsKept()
+{
+    m_peer.setReply(Reply::failureWith(-5, ParcelWriter().int32(7).bytes()));
+    AlienBinderTransaction waited(m_peer.client(), code, withReply, nullptr);
+    QCOMPARE(waited.execute(), -5);
+    QCOMPARE(waited.outputParcel()->readInt32(), 7);
+
+    AlienBinderTransaction started(m_peer.client(), code, withReply, nullptr);
+    const Ends ends(started);
+    QVERIFY(started.start());
+    QTRY_COMPARE(ends.size(), 1);
+    QCOMPARE(ends.first(), -5);
+    QCOMPARE(started.outputParcel()->readInt32(), 7);
 }
 
 LUM_TEST_MAIN(TestAlienBinderTransactionStart)

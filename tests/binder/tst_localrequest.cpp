@@ -20,6 +20,7 @@ constexpr char interfaceName[] = "test.IService";
 struct Doubler
 {
     bool isKnown = true;
+    bool isWithoutObject = false;
     qint32 lastNumber = 0;
 
     static GBinderLocalReply *transact(GBinderLocalObject *object, GBinderRemoteRequest *request,
@@ -27,8 +28,8 @@ struct Doubler
     {
         Q_UNUSED(code)
         auto *const self = static_cast<Doubler *>(data);
-        return handleLocalRequest(
-            object, request, flags, status, [self](AlienBinderParcel *in, AlienBinderParcel *out) {
+        return handleLocalRequest(self->isWithoutObject ? nullptr : object, request, flags, status,
+            [self](AlienBinderParcel *in, AlienBinderParcel *out) {
                 self->lastNumber = in->readInt32();
                 out->writeInt32(self->lastNumber * 2);
                 return self->isKnown;
@@ -45,6 +46,7 @@ class TestLocalRequest : public QObject
 private Q_SLOTS:
     void callIsAnsweredByItsFlagsAndOutcome_data();
     void callIsAnsweredByItsFlagsAndOutcome();
+    void replyThatCannotBeMadeIsNull();
 };
 
 void TestLocalRequest::callIsAnsweredByItsFlagsAndOutcome_data()
@@ -88,6 +90,26 @@ void TestLocalRequest::callIsAnsweredByItsFlagsAndOutcome()
     QCOMPARE(answer.bytes, reply);
     QCOMPARE(FakeBinder::ledger(),
         reply.isEmpty() ? QStringList() : texts({"local_object_new_reply test.IService"}));
+    QCOMPARE(FakeBinder::errors(), QStringList());
+}
+
+void TestLocalRequest::replyThatCannotBeMadeIsNull()
+{
+    Doubler doubler;
+    doubler.isWithoutObject = true;
+    const GBinder::ServiceManager manager(gbinder_servicemanager_new("/dev/puddlejumper"));
+    const GBinder::LocalObject object(gbinder_servicemanager_new_local_object(
+        manager.get(), interfaceName, &Doubler::transact, &doubler));
+    const GBinder::ServiceName name(
+        gbinder_servicename_new(manager.get(), object.get(), serviceName));
+
+    const FakeBinder::Answer answer = FakeBinder::transact(QLatin1String(serviceName),
+        {7, QLatin1String(interfaceName), ParcelWriter().int32(21).bytes(), {}, 0, -99});
+
+    // The call is carried out all the same.
+    QCOMPARE(doubler.lastNumber, 21);
+    QCOMPARE(answer.status, 0);
+    QVERIFY(!answer.hasReply);
     QCOMPARE(FakeBinder::errors(), QStringList());
 }
 

@@ -9,7 +9,6 @@
 namespace {
 
 const QString service = QStringLiteral("org.freedesktop.timedate1");
-const QString path = QStringLiteral("/org/freedesktop/timedate1");
 const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 const QString timezoneProperty = QStringLiteral("Timezone");
 
@@ -21,7 +20,7 @@ MockTimedate::MockTimedate(const QString &zone)
       m_zone(zone)
 {
     // In this order: Qt makes a child of the object when it is registered.
-    const bool hasObject = m_bus.registerVirtualObject(path, this);
+    const bool hasObject = m_bus.registerVirtualObject(objectPath(), this);
     moveToThread(&m_thread);
     m_thread.start();
     if (!hasObject || !m_bus.registerService(service))
@@ -31,7 +30,7 @@ MockTimedate::MockTimedate(const QString &zone)
 MockTimedate::~MockTimedate()
 {
     m_bus.unregisterService(service);
-    m_bus.unregisterObject(path);
+    m_bus.unregisterObject(objectPath());
     QDBusConnection::disconnectFromBus(m_bus.name());
     m_thread.quit();
     m_thread.wait();
@@ -55,10 +54,15 @@ void MockTimedate::invalidateZone(const QString &zone)
     announce(service, {}, {timezoneProperty});
 }
 
-void MockTimedate::announce(
-    const QString &interface, const QVariantMap &changed, const QStringList &invalidated)
+QString MockTimedate::objectPath()
 {
-    sendChange(interface, changed, invalidated);
+    return QStringLiteral("/org/freedesktop/timedate1");
+}
+
+void MockTimedate::announce(const QString &interface, const QVariantMap &changed,
+    const QStringList &invalidated, const QString &path)
+{
+    sendChange(interface, changed, invalidated, path);
     // An answer of the bus to the same connection tells that it has dealt with the signal.
     m_bus.interface()->isServiceRegistered(service);
 }
@@ -81,9 +85,9 @@ int MockTimedate::reads() const
     return m_reads;
 }
 
-QString MockTimedate::introspect(const QString &objectPath) const
+QString MockTimedate::introspect(const QString &path) const
 {
-    Q_UNUSED(objectPath)
+    Q_UNUSED(path)
     return {};
 }
 
@@ -105,8 +109,8 @@ bool MockTimedate::handleMessage(const QDBusMessage &message, const QDBusConnect
     return true;
 }
 
-void MockTimedate::sendChange(
-    const QString &interface, const QVariantMap &changed, const QStringList &invalidated)
+void MockTimedate::sendChange(const QString &interface, const QVariantMap &changed,
+    const QStringList &invalidated, const QString &path)
 {
     QDBusMessage signal =
         QDBusMessage::createSignal(path, propertiesInterface, QStringLiteral("PropertiesChanged"));

@@ -21,9 +21,10 @@ public:
 
     /// Sets the zone and announces it as systemd does.
     void setZone(const QString &zone);
-    /// Announces a change of any property. Returns when the bus has passed it on.
-    void announce(
-        const QString &interface, const QVariantMap &changed, const QStringList &invalidated = {});
+    /// Announces a change of any property of any object. Returns when the bus has passed it on.
+    void announce(const QString &interface, const QVariantMap &changed,
+        const QStringList &invalidated = {}, const QString &path = objectPath());
+    static QString objectPath();
     /// Sets the zone and announces that it changed, without its value.
     void invalidateZone(const QString &zone);
     /// The next read is answered with the zone of now, behind the announcement of this one.
@@ -37,8 +38,8 @@ public:
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
 
 private:
-    void sendChange(
-        const QString &interface, const QVariantMap &changed, const QStringList &invalidated = {});
+    void sendChange(const QString &interface, const QVariantMap &changed,
+        const QStringList &invalidated = {}, const QString &path = objectPath());
 
     mutable std::mutex m_mutex;
     QDBusConnection m_bus;

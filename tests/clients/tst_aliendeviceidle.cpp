@@ -127,6 +127,8 @@ void TestAlienDeviceIdle::resultIsExactlyOne_data()
         ParcelWriter().int32(-5).string16(QStringLiteral("IllegalState")), notListed, failure);
     answer("exception and yet a result", ParcelWriter().int32(-1).int32(1), listed, failure);
     QTest::newRow("failed") << Reply::failure(-32) << notListed << failure;
+    QTest::newRow("failed and yet a result")
+        << Reply::failureWith(-5, ParcelWriter().int32(0).int32(1).bytes()) << notListed << failure;
     QTest::newRow("not answered") << Reply::none() << notListed << silence;
 }
 

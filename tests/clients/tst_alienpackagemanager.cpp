@@ -179,6 +179,9 @@ void TestAlienPackageManager::uidIsTheWordBehindTheException_data()
     QTest::newRow("no result") << Reply::data(ParcelWriter().int32(0).bytes()) << -1;
     QTest::newRow("empty") << Reply::data({}) << -1;
     QTest::newRow("failed") << Reply::failure(-32) << -1;
+    // What there is of an answer is read.
+    QTest::newRow("failed and yet a result")
+        << Reply::failureWith(-5, ParcelWriter().int32(0).int32(10042).bytes()) << 10042;
     QTest::newRow("not answered") << Reply::none() << -1;
 }
 

@@ -47,6 +47,7 @@ private Q_SLOTS:
     void cleanup();
     void installResultIsReported_data();
     void installResultIsReported();
+    void extrasAreReadAndNotUsed_data();
     void extrasAreReadAndNotUsed();
     void extrasWithABadMagicNumberDoNotKeepTheResult();
     void actionOfTheUserFailsTheInstall();
@@ -157,9 +158,18 @@ void TestAlienPackageManagerResults::installResultIsReported()
     expectSilence();
 }
 
+void TestAlienPackageManagerResults::extrasAreReadAndNotUsed_data()
+{
+    QTest::addColumn<qint32>("word");
+    // Any but 0 says that they follow.
+    for (const qint32 word : {1, 2, -1})
+        QTest::newRow(QByteArray::number(word).constData()) << word;
+}
+
 void TestAlienPackageManagerResults::extrasAreReadAndNotUsed()
 {
-    ParcelWriter payload = ParcelWriter().string16(app).int32(1).nullString16().int32(1);
+    QFETCH(qint32, word);
+    ParcelWriter payload = ParcelWriter().string16(app).int32(1).nullString16().int32(word);
     payload.int32(20).raw("BNDL").int32(1).string16(QStringLiteral("k")).int32(1).int32(5);
     LogCapture log;
     QCOMPARE(call(2, installInterface, payload.bytes()).status, 0);

@@ -143,6 +143,9 @@ void TestAlienServiceMonitor::installIsAcceptedByTheFirstWord_data()
     QTest::newRow("empty") << Reply::data({}) << refused;
     QTest::newRow("two bytes") << Reply::data(QByteArray(2, '\1')) << refused;
     QTest::newRow("failed") << Reply::failure(-32) << refused;
+    // What there is of an answer is read.
+    QTest::newRow("failed and yet a result")
+        << Reply::failureWith(-5, ParcelWriter().int32(1).bytes()) << accepted;
     QTest::newRow("not answered") << Reply::none() << refused;
 }
 

@@ -127,6 +127,11 @@ void TestAlienStorageStatsManager::answerIsReadAsItComes_data()
                             << texts({"critical com.tovra.lumd.binder Error requesting package "
                                       "stats: -32"})
             + readLines(0, -1, unknown);
+    const QByteArray threeSizes = answerOf(11, 22, 33).bytes();
+    QTest::newRow("failed and yet three sizes")
+        << Reply::failureWith(-5, threeSizes) << Sizes{11, 22, 33}
+        << texts({"critical com.tovra.lumd.binder Error requesting package stats: -5"})
+            + readLines(threeSizes.size(), follows, {11, 22, 33});
     QTest::newRow("not answered") << Reply::none() << unknown << readLines(0, -1, unknown);
 }
 

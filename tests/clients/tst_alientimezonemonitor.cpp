@@ -172,6 +172,9 @@ void TestAlienTimezoneMonitor::failedPushIsLoggedAndRepeatedAtTheNextConnect_dat
     QTest::newRow("refused") << Reply::failure(5)
                              << texts({"warning com.tovra.lumd.binder Failed to set alien "
                                        "timezone: 5"});
+    QTest::newRow("refused with a reply")
+        << Reply::failureWith(-5, ParcelWriter().int32(0).bytes())
+        << texts({"warning com.tovra.lumd.binder Failed to set alien timezone: -5"});
     QTest::newRow("not answered") << Reply::none()
                                   << texts({"warning com.tovra.lumd.binder Failed to set alien "
                                             "timezone: 0"});

@@ -34,6 +34,7 @@ private Q_SLOTS:
     void changeBesidesTheFirstReadIsNotLost();
     void otherChangesAreIgnored_data();
     void otherChangesAreIgnored();
+    void otherSenderIsIgnored();
     void unknownZoneIsPushedAsAnEmptyString_data();
     void unknownZoneIsPushedAsAnEmptyString();
     void zoneOfAHostThatAnswersLaterIsPushed();
@@ -60,22 +61,49 @@ void TestAlienTimezoneMonitorHost::otherChangesAreIgnored_data()
 {
     QTest::addColumn<QString>("interface");
     QTest::addColumn<QVariantMap>("changed");
-    QTest::newRow("other property") << timedate << QVariantMap{{QStringLiteral("NTP"), true}};
-    QTest::newRow("no property") << timedate << QVariantMap();
-    QTest::newRow("other interface") << QStringLiteral("org.freedesktop.hostname1")
-                                     << QVariantMap{{QStringLiteral("Timezone"), lima}};
+    QTest::addColumn<QString>("path");
+    const QString path = MockTimedate::objectPath();
+    const QVariantMap zone{{QStringLiteral("Timezone"), lima}};
+    QTest::newRow("other property")
+        << timedate << QVariantMap{{QStringLiteral("NTP"), true}} << path;
+    QTest::newRow("no property") << timedate << QVariantMap() << path;
+    QTest::newRow("other interface") << QStringLiteral("org.freedesktop.hostname1") << zone << path;
+    QTest::newRow("other object") << timedate << zone << QStringLiteral("/org/freedesktop/time");
+    QTest::newRow("object below") << timedate << zone << path + QStringLiteral("/a");
 }
 
 void TestAlienTimezoneMonitorHost::otherChangesAreIgnored()
 {
     QFETCH(QString, interface);
     QFETCH(QVariantMap, changed);
+    QFETCH(QString, path);
     MockTimedate host(oslo);
     AlienTimezoneMonitor monitor;
     FakeBinder::registerService(alarmService, {}, Notice::None);
     QVERIFY(m_unit->become(active));
     takeCalls();
-    host.announce(interface, changed);
+    host.announce(interface, changed, {}, path);
+    receiveSignals();
+    QCOMPARE(takeCalls(), QStringList());
+}
+
+void TestAlienTimezoneMonitorHost::otherSenderIsIgnored()
+{
+    MockTimedate host(oslo);
+    AlienTimezoneMonitor monitor;
+    FakeBinder::registerService(alarmService, {}, Notice::None);
+    QVERIFY(m_unit->become(active));
+    takeCalls();
+    receiveSignals();
+    QDBusConnection forger =
+        QDBusConnection::connectToBus(QDBusConnection::SystemBus, QStringLiteral("forger"));
+    QDBusMessage signal = QDBusMessage::createSignal(MockTimedate::objectPath(),
+        QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("PropertiesChanged"));
+    signal.setArguments({timedate, QVariantMap{{QStringLiteral("Timezone"), lima}}, QStringList()});
+    QVERIFY(forger.send(signal));
+    // Answered when the bus has passed on what came before.
+    forger.interface()->isServiceRegistered(timedate);
+    QDBusConnection::disconnectFromBus(forger.name());
     receiveSignals();
     QCOMPARE(takeCalls(), QStringList());
 }

@@ -21,6 +21,7 @@ private Q_SLOTS:
     void cleanup();
     void sendsTheParcelAndGivesTheReply();
     void failedCallHasItsStatusAndNoReply();
+    void failedCallMayHaveAReply();
     void callWithoutReplyIsNoFailure();
     void releasesTheRequestThenTheReply();
     void sendsNothingUntilItIsMade();
@@ -57,6 +58,15 @@ void TestClientCall::failedCallHasItsStatusAndNoReply()
     ClientCall call(m_peer.client());
     QCOMPARE(call.transact(1), nullptr);
     QCOMPARE(call.status(), -32);
+}
+
+void TestClientCall::failedCallMayHaveAReply()
+{
+    m_peer.setReply(Reply::failureWith(-5, ParcelWriter().int32(9).bytes()));
+    ClientCall call(m_peer.client());
+    AlienBinderParcel reply(call.transact(1));
+    QCOMPARE(reply.readInt32(), 9);
+    QCOMPARE(call.status(), -5);
 }
 
 void TestClientCall::callWithoutReplyIsNoFailure()

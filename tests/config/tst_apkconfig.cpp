@@ -4,6 +4,8 @@
 #include "tests/support/logcapture.h"
 #include "tests/support/testmain.h"
 
+#include <QTextCodec>
+
 namespace {
 constexpr char rootVariable[] = "ANDROID_DATA_ROOT";
 }
@@ -18,6 +20,7 @@ private Q_SLOTS:
     void valuesOfThePathsAreFixed();
     void everyPathFollowsTheDataRoot_data();
     void everyPathFollowsTheDataRoot();
+    void dataRootIsUtf8WhateverTheLocale();
     void defaultRootIsTakenInSilence();
     void customRootIsLogged_data();
     void customRootIsLogged();
@@ -64,6 +67,13 @@ void TestApkConfig::everyPathFollowsTheDataRoot()
     QCOMPARE(config.path(IncomingDir), root + QLatin1String("/data/aas-staging/app/incoming/"));
     QCOMPARE(config.path(PackagedDir), root + QLatin1String("/data/aas-staging/app/packaged/"));
     QCOMPARE(config.path(AppDataDir), root + QLatin1String("/data/data/"));
+}
+
+void TestApkConfig::dataRootIsUtf8WhateverTheLocale()
+{
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    qputenv(rootVariable, "/d\xc3\xa4ta");
+    QCOMPARE(ApkConfig().path(DataRoot), QStringLiteral("/d\u00e4ta"));
 }
 
 void TestApkConfig::defaultRootIsTakenInSilence()

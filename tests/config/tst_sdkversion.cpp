@@ -42,6 +42,7 @@ private Q_SLOTS:
     void fileThatIsADirectoryGivesZero();
     void blanksAroundTheLineAreTrimmed();
     void carriageReturnIsTrimmed();
+    void carriageReturnBehindTheKeyIsTrimmed();
     void valueIsCutAtTheNextEqualsSign();
     void firstLineOfTheKeyWins();
     void keyIsFoundInAFileWithoutALineFeedAtItsEnd();
@@ -132,6 +133,15 @@ void TestSdkVersion::carriageReturnIsTrimmed()
 {
     QVERIFY(writeProperties("a=b\r\nro.build.version.sdk=28\r\n"));
     QCOMPARE(ApkConfig::sdkVersion(), 28);
+}
+
+void TestSdkVersion::carriageReturnBehindTheKeyIsTrimmed()
+{
+    // It is the key then, without a value.
+    QVERIFY(writeProperties("ro.build.version.sdk\r\nro.build.version.sdk=28\r\n"));
+    const LogCapture log;
+    QCOMPARE(ApkConfig::sdkVersion(), 0);
+    QCOMPARE(log.lines(), QStringList(notFoundLine()));
 }
 
 void TestSdkVersion::valueIsCutAtTheNextEqualsSign()

@@ -4,8 +4,8 @@
 //     caller UID GID MANNER METHOD ARGUMENT...
 //
 // METHOD is one of the daemon's interface, "INTERFACE.NAME", or ".NAME" for no interface.
-// An ARGUMENT is a string, but for "true" and "false", which are booleans, and "@", which is an
-// open descriptor.
+// An ARGUMENT is a string, but for "true" and "false", which are booleans, "{}", which is an empty
+// map, and "@", which is an open descriptor.
 // MANNER is "plain", "hidden" (it forbids others to look at its memory), "hasty" (it is gone
 // before the answer), "becoming:UID:GID" (it has these effective ids once it is connected),
 // "signal" (METHOD is a signal to the daemon), "owner" (it asks for the daemon's name instead) or
@@ -53,6 +53,8 @@ QVariant argumentOf(const QString &text)
 {
     if (text == QLatin1String("true") || text == QLatin1String("false"))
         return text == QLatin1String("true");
+    if (text == QLatin1String("{}"))
+        return QVariantMap();
     if (text == QLatin1String("@"))
         return QVariant::fromValue(QDBusUnixFileDescriptor(STDIN_FILENO));
     return text;

@@ -38,6 +38,7 @@ private Q_SLOTS:
     void isRunningIsAnsweredInSilence();
     void internalSlotIsAnUnknownMethod_data();
     void internalSlotIsAnUnknownMethod();
+    void callWithoutAnInterfaceIsServed();
 
 private:
     std::unique_ptr<DaemonFixture> m_world;
@@ -92,26 +93,55 @@ void TestBusInterface::isRunningIsAnsweredInSilence()
 
 void TestBusInterface::internalSlotIsAnUnknownMethod_data()
 {
+    QTest::addColumn<QString>("interface");
     QTest::addColumn<QString>("method");
     QTest::addColumn<QVariantList>("arguments");
 
-    const QVariant text = QStringLiteral("com.foo");
-    const auto row = [](const char *tag, const char *method, const QVariantList &arguments) {
-        QTest::newRow(tag) << QString::fromLatin1(method) << arguments;
-    };
-    row("triggerPackageMod", "triggerPackageMod", {text});
-    row("publishNotification", "publishNotification", {text, true});
-    row("installFile with a source", "installFile", {text, 0});
-    row("launchIntent without extras", "launchIntent", {text, text, text, text, text, text});
+    // The second is none: all that the object offers is looked through then. The third is the one
+    // under which Qt would offer the slots of the daemon itself.
+    for (const char *interface : {"com.tovra.lumd", "", "local.LumDaemon"}) {
+        const auto row = [interface](const char *method, const QVariantList &arguments) {
+            QTest::addRow("%s of '%s'", method, interface)
+                << QString::fromLatin1(interface) << QString::fromLatin1(method) << arguments;
+        };
+        const QVariant text = QStringLiteral("com.foo");
+        row("publishNotification", {text, true});
+        row("onNotifyInstallationResult", {true, text, text});
+        row("onNotifyUninstallationResult", {true, text});
+        row("onAlienServiceAvailable", {true});
+        row("onPackageManagerAvailable", {true});
+        row("onActivityManagerAvailable", {true});
+        row("installFile", {text, 0});
+        row("launchIntent", {text, text, text, text, text, text});
+        row("deleteLater", {});
+        row("installPackage", {text});
+    }
 }
 
 void TestBusInterface::internalSlotIsAnUnknownMethod()
 {
+    QFETCH(QString, interface);
     QFETCH(QString, method);
     QFETCH(QVariantList, arguments);
-    const QDBusMessage reply = DaemonFixture::call(method, arguments);
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        QStringLiteral("com.tovra.lumd"), QStringLiteral("/com/tovra/lumd"), interface, method);
+    message.setArguments(arguments);
+    const QDBusMessage reply = QDBusConnection::systemBus().call(message);
     QCOMPARE(reply.type(), QDBusMessage::ErrorMessage);
-    QCOMPARE(reply.errorName(), QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod"));
+    const QString error = QStringLiteral("org.freedesktop.DBus.Error.Unknown");
+    QCOMPARE(reply.errorName(),
+        error
+            + (interface.startsWith(QLatin1String("local")) ? QLatin1String("Interface")
+                                                            : QLatin1String("Method")));
+}
+
+void TestBusInterface::callWithoutAnInterfaceIsServed()
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(QStringLiteral("com.tovra.lumd"),
+        QStringLiteral("/com/tovra/lumd"), QString(), QStringLiteral("isRunning"));
+    const QDBusMessage reply = QDBusConnection::systemBus().call(message);
+    QCOMPARE(errorOf(reply), QString());
+    QCOMPARE(reply.arguments(), QVariantList{false});
 }
 
 LUM_TEST_MAIN(TestBusInterface)

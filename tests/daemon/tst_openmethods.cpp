@@ -3,6 +3,7 @@
 #include "tests/daemon/callas.h"
 #include "tests/support/fakegbinder/parcelwriter.h"
 #include "tests/support/testmain.h"
+#include "tests/support/text.h"
 
 /// What everybody may call: all but the installing and removing of apps.
 class TestOpenMethods : public QObject
@@ -35,26 +36,32 @@ void TestOpenMethods::cleanup()
 void TestOpenMethods::theRuntimeIsReached_data()
 {
     QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QString>("service");
-    const auto row = [](const char *method, const char *service, const QStringList &arguments) {
-        QTest::newRow(method) << arguments << QString::fromLatin1(service);
+    QTest::addColumn<QStringList>("calls");
+    const auto row = [](const char *method, const QStringList &calls,
+                         const QStringList &arguments) {
+        QTest::newRow(method) << arguments << calls;
     };
     const QStringList package{QStringLiteral("com.a")};
-    row("launchApp", "alien", package);
-    row("openAppSettings", "activity", package);
-    row("viewLicenses", "activity", {});
-    row("forceStopApp", "activity", package);
-    row("deleteAppCacheFiles", "package", package);
-    row("clearAppUserData", "package", package);
-    row("getAppSize", "storagestats", package);
-    row("getAppStartOnBootup", "deviceidle", package);
-    row("setAppStartOnBootup", "deviceidle", package + QStringList{QStringLiteral("true")});
+    const QStringList intent{QStringLiteral("a"), QString(), QString(), QString(), QString(),
+        QString(), QStringLiteral("{}")};
+    const QString window = QStringLiteral("SurfaceFlinger 103");
+    row("launchApp", texts({"alien 1"}), package);
+    row("launchIntent", texts({"activity 3"}), intent);
+    row("openAppSettings", texts({"activity 3"}) + QStringList{window}, package);
+    row("viewLicenses", texts({"activity 3"}) + QStringList{window}, {});
+    row("forceStopApp", texts({"activity 72"}), package);
+    row("deleteAppCacheFiles", texts({"package 100"}), package);
+    row("clearAppUserData", texts({"package 101"}), package);
+    row("getAppSize", texts({"storagestats 6"}), package);
+    row("getAppStartOnBootup", texts({"deviceidle 13"}), package);
+    row("setAppStartOnBootup", texts({"deviceidle 13", "deviceidle 1", "deviceidle 13"}),
+        package + QStringList{QStringLiteral("true")});
 }
 
 void TestOpenMethods::theRuntimeIsReached()
 {
     QFETCH(QStringList, arguments);
-    QFETCH(QString, service);
+    QFETCH(QStringList, calls);
     for (const char *other : {"activity", "storagestats", "deviceidle", "SurfaceFlinger"})
         m_world->android->registerService(QString::fromLatin1(other), [](const auto &) {
             return FakeBinder::Reply::data(FakeBinder::ParcelWriter().boolean(true).bytes());
@@ -65,10 +72,10 @@ void TestOpenMethods::theRuntimeIsReached()
     m_world->android->clearRequests();
     callAs(ordinary(), plain(), QString::fromLatin1(QTest::currentDataTag()), arguments);
     m_world->android->settle();
-    QStringList asked;
+    QStringList made;
     for (const FakeBinder::Request &request : m_world->android->requests())
-        asked.append(request.service);
-    QVERIFY2(asked.contains(service), qPrintable(asked.join(QLatin1Char(' '))));
+        made.append(QStringLiteral("%1 %2").arg(request.service).arg(request.code));
+    QCOMPARE(made, calls);
     QCOMPARE(m_world->notifications.texts(), QStringList());
 }
 
@@ -84,6 +91,9 @@ void TestOpenMethods::theSystemIsReached()
     QCOMPARE(call("controlServiceAutostart", {QStringLiteral("true")}), QStringLiteral("done"));
     QVERIFY(m_world->systemd.waitForCall(QStringLiteral("EnableUnitFiles")));
     QVERIFY(call("getAndroidAppDataUsage", {}).toULongLong() >= 5000);
+    QCOMPARE(call("notifyRuntimeUpgrade", {QStringLiteral("true")}), QStringLiteral("done"));
+    QTRY_COMPARE(
+        m_world->daemonLines(), QStringList{QStringLiteral("debug notifyRuntimeUpgrade: true")});
     QCOMPARE(m_world->notifications.texts(), QStringList());
 }
 

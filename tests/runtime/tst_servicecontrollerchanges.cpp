@@ -5,6 +5,9 @@
 #include "tests/support/testmain.h"
 #include "tests/support/text.h"
 
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
 #include <QtTest>
 
 namespace {
@@ -20,6 +23,11 @@ QString stateLine(const char *state, const char *sub)
         .arg(QString::fromLatin1(state), QString::fromLatin1(sub));
 }
 
+QVariantMap nowActive()
+{
+    return {{activeState, QStringLiteral("active")}, {subState, QStringLiteral("running")}};
+}
+
 } // namespace
 
 class TestServiceControllerChanges : public ControllerTest
@@ -32,6 +40,9 @@ private Q_SLOTS:
     void enabledIsTheExactWord();
     void enabledSignalGoesFirst();
     void otherInterfacesAreIgnored();
+    void otherUnitIsIgnored();
+    void otherSenderIsIgnored();
+    void changeDuringTheFirstReadIsNotHeard();
     void repeatedStateEmitsNothing();
     void subStateAloneEmitsAndLogsNothing();
     void invalidatedNamesAreIgnored();
@@ -130,6 +141,50 @@ void TestServiceControllerChanges::otherInterfacesAreIgnored()
     QCOMPARE(stateSpy.count(), 0);
     QCOMPARE(enabledSpy.count(), 1); // the fence
     QCOMPARE(log.lines(), QStringList());
+}
+
+void TestServiceControllerChanges::otherUnitIsIgnored()
+{
+    const ServiceController *const controller = listeningController();
+    LogCapture log;
+
+    for (const char *unit : {"alien_2eservice", "aliendalvik_2eservice/a", "aliendalvik_2etimer"})
+        m_systemd->emitPropertiesChanged(unitInterface, nowActive(), {},
+            QStringLiteral("/org/freedesktop/systemd1/unit/") + QString::fromLatin1(unit));
+    QVERIFY(fence());
+
+    QCOMPARE(controller->serviceState(), QStringLiteral("inactive"));
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void TestServiceControllerChanges::otherSenderIsIgnored()
+{
+    const ServiceController *const controller = listeningController();
+    LogCapture log;
+
+    QDBusConnection forger =
+        QDBusConnection::connectToBus(QDBusConnection::SystemBus, QStringLiteral("forger"));
+    QDBusMessage signal = QDBusMessage::createSignal(MockSystemd::unitPath(),
+        QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("PropertiesChanged"));
+    signal.setArguments({unitInterface, nowActive(), QStringList()});
+    QVERIFY(forger.send(signal));
+    // Answered when the bus has passed on what came before.
+    forger.interface()->isServiceRegistered(QStringLiteral("a.b"));
+    QDBusConnection::disconnectFromBus(forger.name());
+    QVERIFY(fence());
+
+    QCOMPARE(controller->serviceState(), QStringLiteral("inactive"));
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void TestServiceControllerChanges::changeDuringTheFirstReadIsNotHeard()
+{
+    m_systemd->announceDuringGetAll(QStringLiteral("active"), QStringLiteral("running"));
+    LogCapture log;
+    const ServiceController *const controller = listeningController();
+    QVERIFY(fence());
+    QCOMPARE(controller->serviceState(), QStringLiteral("inactive"));
+    QCOMPARE(log.lines(), QStringList{stateLine("inactive", "dead")});
 }
 
 void TestServiceControllerChanges::repeatedStateEmitsNothing()

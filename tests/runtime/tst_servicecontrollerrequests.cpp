@@ -12,6 +12,11 @@
 #include <QThread>
 #include <QtTest>
 
+#include <functional>
+
+using Request = std::function<void(ServiceController &)>;
+Q_DECLARE_METATYPE(Request)
+
 /// A systemd that answers its first call only when it is told to go on, or after ten seconds.
 class HesitantSystemd : public QDBusVirtualObject
 {
@@ -73,6 +78,7 @@ private Q_SLOTS:
     void requestsChangeNothingByThemselves();
     void failedRequestsPassUnseen();
     void startedRuntimeShowsInTheState();
+    void requestsDoNotWaitForTheAnswer_data();
     void requestsDoNotWaitForTheAnswer();
 };
 
@@ -207,14 +213,27 @@ void TestServiceControllerRequests::startedRuntimeShowsInTheState()
     controller->disconnect(this);
 }
 
+void TestServiceControllerRequests::requestsDoNotWaitForTheAnswer_data()
+{
+    QTest::addColumn<Request>("request");
+    QTest::newRow("start") << Request([](auto &controller) { controller.controlService(true); });
+    QTest::newRow("stop") << Request([](auto &controller) { controller.controlService(false); });
+    QTest::newRow("enable") << Request([](auto &controller) { controller.controlAutostart(true); });
+    QTest::newRow("disable") << Request(
+        [](auto &controller) { controller.controlAutostart(false); });
+}
+
 void TestServiceControllerRequests::requestsDoNotWaitForTheAnswer()
 {
+    QFETCH(Request, request);
+    // A state in which nothing is refused.
+    if (m_systemd)
+        m_systemd->setUnitStateSilently(QStringLiteral("failed"), QStringLiteral("failed"));
     ServiceController *const controller = listeningController();
     m_systemd.reset();
     HesitantSystemd systemd;
 
-    controller->controlService(true);
-    controller->controlAutostart(true);
+    request(*controller);
     systemd.goOn();
 
     QVERIFY(systemd.answeredAfterGoOn());

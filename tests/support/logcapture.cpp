@@ -56,9 +56,13 @@ void LogCapture::handle(QtMsgType type, const QMessageLogContext &context, const
     const QString line = levelName(type) + QLatin1Char(' ') + category + QLatin1Char(' ') + text;
     if (type == QtFatalMsg)
         fprintf(stderr, "%s\n", qPrintable(line)); // the process ends here
-    const QMutexLocker locker(&current->m_mutex);
+    QMutexLocker locker(&current->m_mutex);
     current->m_lines.append(line);
     current->m_all.append(line);
+    const auto listener = current->m_listener;
+    locker.unlock();
+    if (listener)
+        listener(line);
 }
 
 QStringList LogCapture::lines() const
@@ -89,4 +93,10 @@ QStringList LogCapture::take()
 void LogCapture::clear()
 {
     take();
+}
+
+void LogCapture::setListener(const std::function<void(const QString &)> &listener)
+{
+    const QMutexLocker locker(&m_mutex);
+    m_listener = listener;
 }

@@ -4,6 +4,8 @@
 #include <QMutex>
 #include <QStringList>
 
+#include <functional>
+
 /// Records log messages while it lives, instead of printing them. What it recorded is
 /// printed at its end if the running test has failed. One at a time; made and destroyed on
 /// the main thread, records from every thread.
@@ -28,6 +30,8 @@ public:
     /// The lines, and an empty record afterwards.
     QStringList take();
     void clear();
+    /// Is told of each line, on the thread that logs it; nothing for nobody.
+    void setListener(const std::function<void(const QString &)> &listener);
 
 private:
     static void handle(QtMsgType type, const QMessageLogContext &context, const QString &text);
@@ -35,5 +39,6 @@ private:
     mutable QMutex m_mutex;
     QStringList m_lines;
     QStringList m_all;
+    std::function<void(const QString &)> m_listener;
     QtMessageHandler m_previous = nullptr;
 };

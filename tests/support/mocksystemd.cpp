@@ -67,10 +67,16 @@ void MockSystemd::removeUnitProperty(const QString &name)
     m_d->unit.remove(name);
 }
 
-void MockSystemd::emitPropertiesChanged(
-    const QString &interface, const QVariantMap &changed, const QStringList &invalidated)
+void MockSystemd::emitPropertiesChanged(const QString &interface, const QVariantMap &changed,
+    const QStringList &invalidated, const QString &path)
 {
-    m_d->emitChanged(interface, changed, invalidated);
+    m_d->emitChanged(interface, changed, invalidated, path);
+}
+
+void MockSystemd::announceDuringGetAll(const QString &active, const QString &sub)
+{
+    const std::lock_guard<std::mutex> lock(m_d->mutex);
+    m_d->changeDuringGetAll = {{ActiveState, active}, {SubState, sub}};
 }
 
 void MockSystemd::failLoadUnit(const QString &message)

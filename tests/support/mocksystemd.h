@@ -40,9 +40,11 @@ public:
     void setUnitFileStateSilently(const QString &state);
     /// Takes a property out of what GetAll answers ("ActiveState").
     void removeUnitProperty(const QString &name);
-    /// Emits PropertiesChanged on the unit's path, whatever the mock's state.
-    void emitPropertiesChanged(
-        const QString &interface, const QVariantMap &changed, const QStringList &invalidated = {});
+    /// Emits PropertiesChanged, whatever the mock's state.
+    void emitPropertiesChanged(const QString &interface, const QVariantMap &changed,
+        const QStringList &invalidated = {}, const QString &path = unitPath());
+    /// Each GetAll is answered behind the announcement of this state, with the state of before.
+    void announceDuringGetAll(const QString &active, const QString &sub);
 
     /// LoadUnit answers with org.freedesktop.systemd1.NoSuchUnit and this text; a null text
     /// ends that.

@@ -114,9 +114,10 @@ void RemoteFakeBinder::settle()
     m_d->perform({{QLatin1String("op"), QLatin1String("settle")}});
 }
 
-void RemoteFakeBinder::quitDaemon()
+void RemoteFakeBinder::quitDaemon(int exitCode)
 {
-    m_d->perform({{QLatin1String("op"), QLatin1String("quit")}});
+    m_d->perform(
+        {{QLatin1String("op"), QLatin1String("quit")}, {QLatin1String("exitCode"), exitCode}});
 }
 
 QStringList RemoteFakeBinder::ledger()

@@ -51,9 +51,9 @@ public:
     QStringList leaks();
     QStringList errors();
 
-    /// Ends the daemon's event loop, so that it leaves its main function as no signal lets it:
-    /// everything is destroyed, and the sanitizers look for leaks.
-    void quitDaemon();
+    /// Ends the daemon's event loop with that code, so that it leaves its main function as no
+    /// signal lets it: everything is destroyed, and the sanitizers look for leaks.
+    void quitDaemon(int exitCode = 0);
 
     /// All requests of the daemon so far, in order.
     QVector<FakeBinder::Request> requests() const;

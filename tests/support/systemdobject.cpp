@@ -137,11 +137,18 @@ QDBusMessage SystemdObject::loadUnit(const QDBusMessage &message) const
 
 void SystemdObject::follow(const QString &method)
 {
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        if (!followsRequests)
-            return;
-    }
+    std::unique_lock<std::mutex> lock(mutex);
+    const bool follows = followsRequests;
+    const QVariantMap change = changeDuringGetAll;
+    lock.unlock();
+    if (method == QLatin1String("GetAll") && !change.isEmpty())
+        emitChanged(UnitInterface, change, {});
+    if (follows)
+        followRequest(method);
+}
+
+void SystemdObject::followRequest(const QString &method)
+{
     if (method == QLatin1String("StartUnit")) {
         change({{ActiveState, QStringLiteral("activating")}, {SubState, QStringLiteral("start")}},
             true);
@@ -167,14 +174,14 @@ void SystemdObject::change(const QVariantMap &values, bool announce)
         emitChanged(UnitInterface, values, {});
 }
 
-void SystemdObject::emitChanged(
-    const QString &interface, const QVariantMap &changed, const QStringList &invalidated)
+void SystemdObject::emitChanged(const QString &interface, const QVariantMap &changed,
+    const QStringList &invalidated, const QString &path)
 {
     const std::lock_guard<std::mutex> lock(mutex);
     if (!isSubscribed)
         return;
-    QDBusMessage signal = QDBusMessage::createSignal(
-        MockSystemd::unitPath(), PropertiesInterface, QStringLiteral("PropertiesChanged"));
+    QDBusMessage signal =
+        QDBusMessage::createSignal(path, PropertiesInterface, QStringLiteral("PropertiesChanged"));
     signal.setArguments({interface, changed, invalidated});
     bus.send(signal);
 }

@@ -25,14 +25,15 @@ public:
 
     /// Changes the unit and announces what changed, if somebody subscribed.
     void change(const QVariantMap &values, bool announce);
-    void emitChanged(
-        const QString &interface, const QVariantMap &changed, const QStringList &invalidated);
+    void emitChanged(const QString &interface, const QVariantMap &changed,
+        const QStringList &invalidated, const QString &path = MockSystemd::unitPath());
 
     mutable std::mutex mutex;
     std::condition_variable called;
     QDBusConnection bus;
     QVector<MockSystemd::Call> calls;
     QVariantMap unit;
+    QVariantMap changeDuringGetAll;
     QString loadError;
     bool getAllFails = false;
     bool subscribeFails = false;
@@ -44,4 +45,5 @@ private:
     QDBusMessage answer(const QDBusMessage &message);
     QDBusMessage loadUnit(const QDBusMessage &message) const;
     void follow(const QString &method);
+    void followRequest(const QString &method);
 };

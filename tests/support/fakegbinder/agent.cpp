@@ -151,7 +151,7 @@ void Agent::performInMainLoop(const QJsonObject &operation)
         else if (op == QLatin1String("transactObject"))
             answer = transactObject(quint32(operation[QLatin1String("object")].toInt()), call);
         else if (op == QLatin1String("quit"))
-            QCoreApplication::quit();
+            QCoreApplication::exit(operation[QLatin1String("exitCode")].toInt());
         send({{QLatin1String("id"), operation[QLatin1String("id")]},
             {QLatin1String("result"), Messages::toJson(answer)}});
     });

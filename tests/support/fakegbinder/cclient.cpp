@@ -92,7 +92,7 @@ Outcome transact(GBinderClient *pointer, const char *function, guint32 code, gui
 
 Message *makeReply(World &world, const Outcome &outcome)
 {
-    if (outcome.status != GBINDER_STATUS_OK || !outcome.reply.hasData)
+    if (!outcome.reply.hasData)
         return nullptr;
     auto *reply = world.make<Message>(Handle::Kind::RemoteReply, outcome.client->label);
     reply->data = {outcome.reply.bytes, outcome.reply.offsets, {}};
@@ -148,6 +148,10 @@ GBinderLocalRequest *gbinder_client_new_request(GBinderClient *client)
     const auto *handle = lookUp<Client>(world, client, Kind::Client, "client_new_request");
     if (!handle)
         return nullptr;
+    if (world.requestsFail) {
+        world.note(QStringLiteral("client_new_request %1 failed").arg(handle->label));
+        return nullptr;
+    }
     world.note(QStringLiteral("client_new_request %1").arg(handle->label));
     auto *request = world.make<Message>(Kind::LocalRequest, handle->label);
     request->data.bytes = rpcHeader(world.protocol, handle->interfaceName);

@@ -136,6 +136,13 @@ void failClients(const QString &service, bool fail)
         world.failingClients.append(service);
 }
 
+void failRequests(bool fail)
+{
+    World &world = World::instance();
+    const std::lock_guard<std::mutex> lock(world.mutex);
+    world.requestsFail = fail;
+}
+
 void failLocalObjects(bool fail)
 {
     World &world = World::instance();

@@ -34,6 +34,8 @@ void killRemoteObject(quint32 id, Notice notice = Notice::Deferred);
 
 /// Makes gbinder_client_new give null for that service.
 void failClients(const QString &service, bool fail = true);
+/// Makes gbinder_client_new_request give null.
+void failRequests(bool fail = true);
 /// Makes gbinder_servicemanager_new_local_object give null.
 void failLocalObjects(bool fail = true);
 /// Makes gbinder_servicename_new give null.

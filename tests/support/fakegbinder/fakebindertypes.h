@@ -48,6 +48,11 @@ struct Reply
     static Reply data(const QByteArray &bytes) { return {0, true, bytes, {}}; }
     /// A failed call: a status other than 0 and a null reply.
     static Reply failure(int status) { return {status, false, {}, {}}; }
+    /// A failed call that comes with a reply all the same.
+    static Reply failureWith(int status, const QByteArray &bytes)
+    {
+        return {status, true, bytes, {}};
+    }
     /// Status 0 and yet a null reply.
     static Reply none() { return {0, false, {}, {}}; }
     /// An answer that takes its time.

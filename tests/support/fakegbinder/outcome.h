@@ -18,7 +18,7 @@ struct Outcome
 Outcome transact(GBinderClient *pointer, const char *function, guint32 code, guint32 flags,
     GBinderLocalRequest *req);
 
-/// The handle of a reply; null for a failed call and for one without data.
+/// The handle of a reply; null for one without data.
 Message *makeReply(World &world, const Outcome &outcome);
 
 } // namespace FakeBinder

@@ -81,6 +81,7 @@ public:
     std::mutex mutex;
     bool present = true;
     Protocol protocol = Protocol::Aidl;
+    bool requestsFail = false;
     bool localObjectsFail = false;
     bool serviceNamesFail = false;
     QStringList failingClients;

@@ -41,6 +41,8 @@ private Q_SLOTS:
     void requestsAreRecorded();
     void aServiceSeesItsRequestAndAnswers();
     void aFailureAndAMissingReplyAreNoReply();
+    void aFailureMayComeWithAReply();
+    void aRequestThatIsToFailIsNull();
     void onewayCallsCarryTheFlag();
     void aNewServiceIsAnnouncedFromTheLoop();
     void aNewServiceIsAnnouncedAtOnceWhenAsked();
@@ -126,6 +128,29 @@ void TestFakeGBinder::aFailureAndAMissingReplyAreNoReply()
     answer = FakeBinder::Reply::none();
     QVERIFY(!gbinder_client_transact_sync_reply(client, 3, nullptr, &status));
     QCOMPARE(status, 0);
+}
+
+void TestFakeGBinder::aFailureMayComeWithAReply()
+{
+    FakeBinder::registerService(Alien,
+        [](const FakeBinder::Request &) { return FakeBinder::Reply::failureWith(-5, "abcd"); });
+    int status = 99;
+    GBinderRemoteReply *const reply =
+        gbinder_client_transact_sync_reply(newClient(), 3, nullptr, &status);
+    QCOMPARE(status, -5);
+    GBinderReader reader;
+    gbinder_remote_reply_init_reader(reply, &reader);
+    QCOMPARE(gbinder_reader_bytes_remaining(&reader), gsize(4));
+}
+
+void TestFakeGBinder::aRequestThatIsToFailIsNull()
+{
+    FakeBinder::registerService(Alien);
+    GBinderClient *client = newClient();
+    FakeBinder::failRequests();
+    QVERIFY(!gbinder_client_new_request(client));
+    FakeBinder::failRequests(false);
+    QVERIFY(gbinder_client_new_request(client));
 }
 
 void TestFakeGBinder::onewayCallsCarryTheFlag()

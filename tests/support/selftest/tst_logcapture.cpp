@@ -24,6 +24,7 @@ private Q_SLOTS:
     void byDefaultTheCategoriesDecide();
     void oneCategoryIsFoundByItsWholeName();
     void takingEmptiesTheRecord();
+    void listenerIsToldOfEachLine();
     void otherThreadsAreRecorded();
     void afterItsEndMessagesGoWhereTheyWentBefore();
 };
@@ -76,6 +77,20 @@ void TestLogCapture::takingEmptiesTheRecord()
     qCWarning(binder, "two");
     log.clear();
     QCOMPARE(log.take(), QStringList());
+}
+
+void TestLogCapture::listenerIsToldOfEachLine()
+{
+    LogCapture log;
+    QStringList heard;
+    log.setListener([&heard](const QString &line) { heard.append(line); });
+    qCDebug(binder, "a");
+    qCWarning(parcel, "b");
+    QCOMPARE(heard, log.lines());
+    QCOMPARE(heard.size(), 2);
+    log.setListener({});
+    qCDebug(binder, "c");
+    QCOMPARE(heard.size(), 2);
 }
 
 void TestLogCapture::otherThreadsAreRecorded()
