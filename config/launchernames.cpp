@@ -10,18 +10,15 @@
 
 namespace {
 
-// Doubles underscores and turns dots into single ones.
-QString escaped(const QString &name)
+// Doubles underscores and turns dots into single ones. Gives the end of what it has written.
+QChar *writeEscaped(const QString &name, QChar *end)
 {
-    QString result(2 * name.size(), Qt::Uninitialized);
-    QChar *end = result.data();
     for (const QChar character : name) {
         if (character == QLatin1Char('_'))
             *end++ = character;
         *end++ = character == QLatin1Char('.') ? QLatin1Char('_') : character;
     }
-    result.truncate(static_cast<int>(end - result.constData()));
-    return result;
+    return end;
 }
 
 QString unversionedApkName(const QString &apkPath)
@@ -42,7 +39,12 @@ QString onDisk(const QString &path)
 
 QString escapeLauncherName(const QString &packageName, const QString &className)
 {
-    return escaped(packageName) + QLatin1Char('-') + escaped(className);
+    QString result(2 * (packageName.size() + className.size()) + 1, Qt::Uninitialized);
+    QChar *end = writeEscaped(packageName, result.data());
+    *end++ = QLatin1Char('-');
+    end = writeEscaped(className, end);
+    result.truncate(static_cast<int>(end - result.constData()));
+    return result;
 }
 
 bool isApkPath(const QString &path)

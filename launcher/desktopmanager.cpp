@@ -41,11 +41,12 @@ QString generatedName(const ApkLauncher &launcher)
 
 bool isPartnerSpacePackage(const QString &packageName)
 {
-    const QString apk = packageName % QLatin1String(".apk");
     const QLatin1String folder(Paths::partnerSpace);
+    const QLatin1String suffix(".apk");
     // Only behind a dash can there be a number to be left out.
-    return apk.contains(QLatin1Char('-')) ? unversionedApkExists(QDir(folder), apk)
-                                          : fileExists(folder % apk);
+    return packageName.contains(QLatin1Char('-'))
+        ? unversionedApkExists(QDir(folder), packageName % suffix)
+        : fileExists(folder % packageName % suffix);
 }
 
 void writeIcon(const QString &iconPath, const QByteArray &icon)
@@ -57,7 +58,7 @@ void writeIcon(const QString &iconPath, const QByteArray &icon)
 } // namespace
 
 DesktopManager::DesktopManager(const ApkConfig &config)
-    : m_apkFolder(withoutControlCharacters(config.path(AppDir)).toUtf8())
+    : m_apkFolder(withoutControlCharacters(config.path(AppDir)))
 {
     if (!QDir().mkpath(QLatin1String(Paths::icons)))
         qCWarning(launcherLog) << "Cannot create directory:" << Paths::icons;
@@ -173,7 +174,7 @@ void DesktopManager::onCreateLauncher(const ApkLauncher &launcher)
         entry.setValue(QStringLiteral("Categories"), QStringLiteral("X-QuillfinPartnerSpace"));
     }
 
-    writeSettingsEntry(desktopPath, launcher.packageName, launcher.packageVersion);
+    writeSettingsEntry(name, launcher.packageName, launcher.packageVersion);
     if (entry.isNew())
         Q_EMIT newApplicationInstalled(launcher);
 }
@@ -181,30 +182,18 @@ void DesktopManager::onCreateLauncher(const ApkLauncher &launcher)
 QByteArray DesktopManager::entryText(
     const ApkLauncher &launcher, const QString &iconPath, bool isHidden) const
 {
-    const QByteArray package = launcher.packageName.toUtf8();
-    QByteArray text;
-    text.reserve(1024);
-    text += "[Desktop Entry]\nExec=lumd-launcher ";
-    text += package;
-    text += ".apk ";
-    text += package;
-    text += '/';
-    text += launcher.className.toUtf8();
-    text += "\nIcon=";
-    text += iconPath.toUtf8();
-    text += "\nName=";
-    text += withoutControlCharacters(launcher.caption).toUtf8();
-    if (isHidden)
-        text += "\nNoDisplay=true";
-    text += "\nType=Application\nVersion=1.0\nX-Tesk-Application-Type=no-invoker"
-            "\nX-lumd-apkfile=";
-    text += m_apkFolder;
-    text += '/';
-    text += package;
-    text += ".apk\nX-lumd-packageName=";
-    text += package;
-    text += '\n';
-    return text;
+    const QLatin1String apk(".apk");
+    const QLatin1String hidden(isHidden ? "\nNoDisplay=true" : "");
+    const QString &package = launcher.packageName;
+    const QString text = QLatin1String("[Desktop Entry]\nExec=lumd-launcher ") % package % apk
+        % QLatin1Char(' ') % package % QLatin1Char('/') % launcher.className
+        % QLatin1String("\nIcon=") % iconPath % QLatin1String("\nName=")
+        % withoutControlCharacters(launcher.caption) % hidden
+        % QLatin1String("\nType=Application\nVersion=1.0"
+                        "\nX-Tesk-Application-Type=no-invoker\nX-lumd-apkfile=")
+        % m_apkFolder % QLatin1Char('/') % package % apk % QLatin1String("\nX-lumd-packageName=")
+        % package % QLatin1Char('\n');
+    return text.toUtf8();
 }
 
 void DesktopManager::onRemovePackage(const QString &package)

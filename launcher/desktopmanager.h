@@ -71,5 +71,5 @@ private:
     QStringList m_blacklist;
     AnnouncedLaunchers m_announced;
     bool m_isSwept = false;
-    const QByteArray m_apkFolder; // as it stands in the entries
+    const QString m_apkFolder; // as it stands in the entries
 };

@@ -118,11 +118,12 @@ std::optional<QByteArray> readFile(const QString &path, bool *isMissing)
 {
     if (isMissing)
         *isMissing = false;
+    const QByteArray name = encoded(path);
     // The system would take the name for one that ends there.
-    if (path.contains(QChar::Null))
+    if (Utf8::view(name).find('\0') != std::string_view::npos)
         return {};
     // Without O_NONBLOCK a FIFO would be waited for, until somebody writes into it.
-    const OpenFile file{open(encoded(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)};
+    const OpenFile file{open(name.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)};
     if (file.descriptor >= 0)
         return readOpenFile(file.descriptor);
     if (isMissing)

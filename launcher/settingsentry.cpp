@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "launcher/settingsentry.h"
 
-#include "config/launchernames.h"
+#include "config/paths.h"
 #include "launcher/fileoperations.h"
 #include "launcher/logging.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QStringBuilder>
-#include <QStringView>
 
 namespace {
 
@@ -18,14 +17,15 @@ void appendString(QByteArray &json, const QString &text)
     json.resize(start + text.size() + 2);
     char *end = json.data() + start;
     *end++ = '"';
-    bool isPlain = true;
+    // No wider or narrower than a character, or the compiler takes them one by one.
+    ushort needsEscapes = 0;
     for (const QChar character : text) {
         const ushort unit = character.unicode();
-        isPlain &= unit >= ' ' && unit <= '~' && unit != '"' && unit != '\\';
+        needsEscapes |= unit < ' ' || unit > '~' || unit == '"' || unit == '\\' ? 1 : 0;
         *end++ = static_cast<char>(unit);
     }
     *end = '"';
-    if (!isPlain) {
+    if (needsEscapes) {
         const QByteArray array = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
         json.truncate(start);
         json.append(array.constData() + 1, array.size() - 2);
@@ -35,7 +35,7 @@ void appendString(QByteArray &json, const QString &text)
 // The same bytes as QJsonDocument::toJson makes of the whole document, which takes it longer
 // than reading the file that they are compared with.
 QByteArray settingsDocument(
-    const QString &desktopPath, const QString &packageName, const QString &packageVersion)
+    const QString &name, const QString &packageName, const QString &packageVersion)
 {
     QByteArray json;
     json.reserve(1024);
@@ -54,9 +54,7 @@ QByteArray settingsDocument(
                 "source": "/usr/share/tovra-settings/pages/apk-configuration/apkConfigurationPage.qml"
             },
             "path": )";
-    const QStringView name =
-        QStringView(desktopPath).mid(desktopPath.lastIndexOf(QLatin1Char('/')) + 1);
-    appendString(json, QLatin1String("applications/") % name);
+    appendString(json, QLatin1String("applications/") % name % QLatin1String(".desktop"));
     json += R"(,
             "type": "page"
         }
@@ -69,10 +67,10 @@ QByteArray settingsDocument(
 } // namespace
 
 void writeSettingsEntry(
-    const QString &desktopPath, const QString &packageName, const QString &packageVersion)
+    const QString &name, const QString &packageName, const QString &packageVersion)
 {
-    const QString path = settingsEntryPathFor(desktopPath);
-    const QByteArray document = settingsDocument(desktopPath, packageName, packageVersion);
+    const QString path = QLatin1String(Paths::settingsEntries) % name % QLatin1String(".json");
+    const QByteArray document = settingsDocument(name, packageName, packageVersion);
     if (fileDiffers(path, document) && !writeFile(path, document))
         qCWarning(launcherLog) << "Unable to write json file" << path << "for writing";
 }

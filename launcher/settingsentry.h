@@ -3,8 +3,8 @@
 
 #include <QString>
 
-/// Publishes the settings page of the app behind the desktop entry @p desktopPath, as a JSON
-/// file for the settings application. A file that holds the same already is not touched; a
-/// write that fails is logged.
+/// Publishes the settings page of an app, as a JSON file for the settings application. @p name
+/// is the file name of the app's desktop entry, less the ".desktop". A file that holds the same
+/// already is not touched; a write that fails is logged.
 void writeSettingsEntry(
-    const QString &desktopPath, const QString &packageName, const QString &packageVersion);
+    const QString &name, const QString &packageName, const QString &packageVersion);

@@ -25,6 +25,7 @@ private Q_SLOTS:
     void launcherWithoutCaptionIsNotMade();
     void launchersOfOnePackageHaveFilesOfTheirOwn();
     void dataRootIsThatOfTheConstruction();
+    void iconIsNotKept();
 };
 
 void TestDesktopManagerCreation::folderOfIconsIsMade()
@@ -189,6 +190,19 @@ void TestDesktopManagerCreation::dataRootIsThatOfTheConstruction()
     const ApkLauncher maps = launcher("a.maps");
     manager.onCreateLauncher(maps);
     QCOMPARE(read(desktopPath(maps)), entryText(maps).replace("/home/.android/", "/data/%1/"));
+}
+
+// Whoever kept it would share its bytes.
+void TestDesktopManagerCreation::iconIsNotKept()
+{
+    DesktopManager manager{ApkConfig()};
+    ApkLauncher maps = launcher("com.foo");
+    maps.icon = QByteArray(1000, 'i');
+    manager.onCreateLauncher(maps);
+    QVERIFY(maps.icon.isDetached());
+    manager.onCreateLauncher(maps);
+    QVERIFY(maps.icon.isDetached());
+    QCOMPARE(read(manager.desktopFilePath(maps)), entryText(maps));
 }
 
 LUM_TEST_MAIN(TestDesktopManagerCreation)

@@ -8,16 +8,17 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
 
 using namespace LauncherFiles;
 
 namespace {
 
-const QString &desktopFile()
+const QString &name()
 {
-    static const QString path =
-        QStringLiteral("/usr/share/applications/lumd_launcher_a_b-a_b_Main.desktop");
-    return path;
+    static const QString text = QStringLiteral("lumd_launcher_a_b-a_b_Main");
+    return text;
 }
 
 const QString &entry()
@@ -62,7 +63,7 @@ QString failureLine()
 
 void writeVersion(const char *version)
 {
-    writeSettingsEntry(desktopFile(), QStringLiteral("a.b"), QString::fromLatin1(version));
+    writeSettingsEntry(name(), QStringLiteral("a.b"), QString::fromLatin1(version));
 }
 
 QByteArray documentOfVersion(const char *version)
@@ -80,7 +81,8 @@ private Q_SLOTS:
     void everyByteIsFixed();
     void valuesAreStringsWhateverTheyHold_data();
     void valuesAreStringsWhateverTheyHold();
-    void pathNeverHoldsADirectory();
+    void everyCharacterIsAsQtWritesIt();
+    void nameIsAStringWhateverItHolds();
     void sameVersionLeavesTheFileAlone();
     void newVersionReplacesTheFile();
     void missingFolderIsAWarningAndNotMade();
@@ -130,18 +132,31 @@ void TestSettingsEntry::valuesAreStringsWhateverTheyHold()
     QFETCH(QByteArray, packageText);
     QFETCH(QByteArray, versionText);
 
-    writeSettingsEntry(desktopFile(), package, version);
+    writeSettingsEntry(name(), package, version);
     QCOMPARE(read(entry()),
         document("lumd_launcher_a_b-a_b_Main.desktop", packageText.constData(),
             versionText.constData()));
 }
 
-void TestSettingsEntry::pathNeverHoldsADirectory()
+// Alone in a text of others, which are looked at many at a time.
+void TestSettingsEntry::everyCharacterIsAsQtWritesIt()
 {
-    writeSettingsEntry(
-        QStringLiteral("/some/where/else.x.desktop"), QStringLiteral("p"), QStringLiteral("1"));
-    QCOMPARE(read(QStringLiteral("/usr/share/tovra-settings/entries/else.x.json")),
-        document("else.x.desktop", "p", "1"));
+    const QString others = QStringLiteral("abcdefghijklmnopqrs");
+    for (ushort unit = 0; unit < 0x200; ++unit) {
+        const QString text = others + QChar(unit) + others;
+        writeSettingsEntry(name(), QStringLiteral("p"), text);
+        const QByteArray array = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
+        const QByteArray quoted = array.mid(2, array.size() - 4);
+        QCOMPARE(
+            read(entry()), document("lumd_launcher_a_b-a_b_Main.desktop", "p", quoted.constData()));
+    }
+}
+
+void TestSettingsEntry::nameIsAStringWhateverItHolds()
+{
+    writeSettingsEntry(QStringLiteral("e.\u00e4\"\\"), QStringLiteral("p"), QStringLiteral("1"));
+    QCOMPARE(read(QStringLiteral("/usr/share/tovra-settings/entries/e.\u00e4\"\\.json")),
+        document("e.\xc3\xa4\\\"\\\\.desktop", "p", "1"));
 }
 
 void TestSettingsEntry::sameVersionLeavesTheFileAlone()
