@@ -35,6 +35,19 @@ QString updatingLine()
     return logLine("debug", QStringLiteral("Updating: \"%1\"").arg(entryFile()));
 }
 
+// What would be an entry, were the encoding guessed.
+QByteArray inUtf16(QSysInfo::Endian order)
+{
+    QByteArray bytes;
+    const QString guessed = QChar(QChar::ByteOrderMark) + text("[Desktop Entry]\na=1\n");
+    for (const QChar character : guessed) {
+        const bool isLittle = order == QSysInfo::LittleEndian;
+        bytes += char(isLittle ? character.cell() : character.row());
+        bytes += char(isLittle ? character.row() : character.cell());
+    }
+    return bytes;
+}
+
 void setName(const char *value)
 {
     DesktopEntry(entryFile()).setValue(text("Name"), text(value));
@@ -61,9 +74,6 @@ private Q_SLOTS:
     void newFileHasTheUsualMode();
     void controlCharactersInAValueBecomeBlanks();
     void carriageReturnAtALinesEndGoesWithTheLine();
-    void valueIsReadTheSameWithoutAnObject_data();
-    void valueIsReadTheSameWithoutAnObject();
-    void missingValueReadWithoutAnObjectIsNullWithAWarning();
     void textThatIsTheFileChangesNothing();
     void allKeysOfATextAreSet_data();
     void allKeysOfATextAreSet();
@@ -118,7 +128,9 @@ void TestDesktopEntry::loadedKeysAreSavedInOrder_data()
     row("surrogate and overlong form", "[Desktop Entry]\na=\xed\xa0\x80\nb=\xc0\x8a=\n",
         "a=\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd\nb=\xef\xbf\xbd\xef\xbf\xbd=\n");
     row("key that is no UTF-8, twice", "[Desktop Entry]\na\xff=1\na\xfe=2\n", "a\xef\xbf\xbd=2\n");
-    row("UTF-16 is not guessed", QByteArray("\xff\xfe[Desktop Entry]\na=1\n"), "");
+    row("UTF-8 behind UTF-16's mark", QByteArray("\xff\xfe[Desktop Entry]\na=1\n"), "");
+    row("UTF-16 is not guessed", inUtf16(QSysInfo::LittleEndian), "");
+    row("UTF-16 of the other order is not guessed", inUtf16(QSysInfo::BigEndian), "");
 }
 
 void TestDesktopEntry::loadedKeysAreSavedInOrder()
@@ -285,66 +297,6 @@ void TestDesktopEntry::carriageReturnAtALinesEndGoesWithTheLine()
     QCOMPARE(read(entryFile()), bytes);
     setName("z");
     QCOMPARE(read(entryFile()), QByteArray("[Desktop Entry]\nName=z\nOther=y\n"));
-}
-
-void TestDesktopEntry::valueIsReadTheSameWithoutAnObject_data()
-{
-    QTest::addColumn<QByteArray>("lines"); // behind the header
-    QTest::addColumn<QString>("value");
-    const auto row = [](const char *name, const QByteArray &lines, const QString &value) {
-        QTest::newRow(name) << lines << value;
-    };
-
-    row("only key", "Name=x\n", text("x"));
-    row("no line feed at the end", "Name=x", text("x"));
-    row("among others", "A=1\nName=x\nZ=2\n", text("x"));
-    row("carriage return", "Name=x\r\n", text("x"));
-    row("carriage return at the end", "Name=x\r", text("x"));
-    row("empty", "Name=\n", text(""));
-    row("empty at the end", "Name=", text(""));
-    row("last of two", "Name=x\nName=y\n", text("y"));
-    row("key within another", "Name=x\nMyName=y\nNames=z\nName[de]=w\n", text("x"));
-    row("key as a value", "Name=x\nOther=Name=y\n", text("x"));
-    row("equals signs", "Name=a=b=\n", text("a=b="));
-    row("blanks", "Name= x \n", text(" x "));
-    row("key without a value last", "Name=x\nName", text("x"));
-    row("not ASCII", "Name=M\xc3\xa4p\n", text("M\xc3\xa4p"));
-    row("no UTF-8", "Name=\xff\n", text("\xef\xbf\xbd"));
-    row("byte order mark", "Name=\xef\xbb\xbfx\n", QChar(0xfeff) + text("x"));
-    row("NUL", QByteArray("Name=a\0b\n", 9), text("a") + QChar(0) + text("b"));
-    row("others that are no UTF-8", "\xff=\xfe\nName=x\n", text("x"));
-}
-
-void TestDesktopEntry::valueIsReadTheSameWithoutAnObject()
-{
-    QFETCH(QByteArray, lines);
-    QFETCH(QString, value);
-
-    // The second header is one that the short way does not know.
-    for (const char *header : {"[Desktop Entry]\n", "# comment\n[Desktop Entry]\n"}) {
-        write(entryFile(), header + lines);
-        const LogCapture log;
-        const QString found = DesktopEntry::readValue(entryFile(), "Name");
-        QCOMPARE(found, value);
-        QVERIFY(!found.isNull());
-        QCOMPARE(DesktopEntry(entryFile()).value(text("Name")), value);
-        QCOMPARE(log.lines(), QStringList());
-    }
-}
-
-void TestDesktopEntry::missingValueReadWithoutAnObjectIsNullWithAWarning()
-{
-    const QString warning = logLine(
-        "warning", QStringLiteral("File \"%1\" does not have key: \"Name\"").arg(entryFile()));
-    LogCapture log;
-    QVERIFY(DesktopEntry::readValue(entryFile(), "Name").isNull());
-    QCOMPARE(log.take(), QStringList(warning));
-    for (const char *contents : {"", "[Desktop Entry]\n", "[Desktop Entry]\nName", "Name=x\n",
-             "Name=x\n[Desktop Entry]\nOther=y\n", "[Desktop Entry]\n Name=x\nname=x\nxName=x\n"}) {
-        write(entryFile(), contents);
-        QVERIFY(DesktopEntry::readValue(entryFile(), "Name").isNull());
-        QCOMPARE(log.take(), QStringList(warning));
-    }
 }
 
 void TestDesktopEntry::textThatIsTheFileChangesNothing()
