@@ -35,6 +35,19 @@ QString updatingLine()
     return logLine("debug", QStringLiteral("Updating: \"%1\"").arg(entryFile()));
 }
 
+// What would be an entry, were the encoding guessed.
+QByteArray inUtf16(QSysInfo::Endian order)
+{
+    QByteArray bytes;
+    const QString guessed = QChar(QChar::ByteOrderMark) + text("[Desktop Entry]\na=1\n");
+    for (const QChar character : guessed) {
+        const bool isLittle = order == QSysInfo::LittleEndian;
+        bytes += char(isLittle ? character.cell() : character.row());
+        bytes += char(isLittle ? character.row() : character.cell());
+    }
+    return bytes;
+}
+
 void setName(const char *value)
 {
     DesktopEntry(entryFile()).setValue(text("Name"), text(value));
@@ -112,7 +125,9 @@ void TestDesktopEntry::loadedKeysAreSavedInOrder_data()
     row("surrogate and overlong form", "[Desktop Entry]\na=\xed\xa0\x80\nb=\xc0\x8a=\n",
         "a=\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd\nb=\xef\xbf\xbd\xef\xbf\xbd=\n");
     row("key that is no UTF-8, twice", "[Desktop Entry]\na\xff=1\na\xfe=2\n", "a\xef\xbf\xbd=2\n");
-    row("UTF-16 is not guessed", QByteArray("\xff\xfe[Desktop Entry]\na=1\n"), "");
+    row("UTF-8 behind UTF-16's mark", QByteArray("\xff\xfe[Desktop Entry]\na=1\n"), "");
+    row("UTF-16 is not guessed", inUtf16(QSysInfo::LittleEndian), "");
+    row("UTF-16 of the other order is not guessed", inUtf16(QSysInfo::BigEndian), "");
 }
 
 void TestDesktopEntry::loadedKeysAreSavedInOrder()

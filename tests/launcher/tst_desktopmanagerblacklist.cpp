@@ -6,6 +6,7 @@
 #include "tests/support/testmain.h"
 
 #include <QFile>
+#include <QTextCodec>
 
 using namespace LauncherFiles;
 
@@ -38,6 +39,7 @@ private Q_SLOTS:
     void linesOfTheFileAreHidden_data();
     void linesOfTheFileAreHidden();
     void bothSourcesCount();
+    void sourcesAreUtf8WhateverTheLocale();
     void secondSourceAloneCounts();
     void packageInBothSourcesIsHiddenOnce();
     void sourceThatCannotBeReadIsPassedOverInSilence_data();
@@ -120,6 +122,18 @@ void TestDesktopManagerBlacklist::bothSourcesCount()
     }
     manager.onCreateLauncher(launcher("third"));
     QCOMPARE(read(desktopPath(launcher("third"))), entryText(launcher("third")));
+}
+
+void TestDesktopManagerBlacklist::sourcesAreUtf8WhateverTheLocale()
+{
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    // The file itself has its name in the locale's encoding.
+    write(QStringLiteral("/run/l\u00efst"), "\xc3\xa4.b\n");
+    qputenv(variable, "/run/l\xc3\xafst");
+    DesktopManager manager{ApkConfig()};
+    const ApkLauncher app = launcher("\xc3\xa4.b");
+    manager.onCreateLauncher(app);
+    QCOMPARE(read(desktopPath(app)), entryText(app, hiddenKey()));
 }
 
 void TestDesktopManagerBlacklist::secondSourceAloneCounts()

@@ -10,6 +10,8 @@
 
 #include <memory>
 
+#include <unistd.h>
+
 using namespace LauncherFiles;
 
 namespace {
@@ -38,6 +40,8 @@ private Q_SLOTS:
     void nothingInstalledGivesNothing();
     void missingFolderGivesNothing();
     void onlyGeneratedNamesCount();
+    void caseOfANameDoesNotMatter();
+    void namesThatAreNoTextDoNotCount();
     void entryWithoutAPackageIsUnderTheNullKey();
     void everyQuestionReadsTheFilesAgain();
     void desktopFileGivesItsPackage_data();
@@ -109,6 +113,33 @@ void TestDesktopManagerQuestions::onlyGeneratedNamesCount()
     QCOMPARE(m_manager->desktopFiles(),
         QStringList(
             {entryPath("lumd_launcher_.desktop"), entryPath("lumd_launcher_a.b-c.desktop")}));
+}
+
+void TestDesktopManagerQuestions::caseOfANameDoesNotMatter()
+{
+    QStringList expected;
+    for (const char *name :
+        {"LUMD_LAUNCHER_a.desktop", "lumd_launcher_b.DESKTOP", "Lumd_Launcher_c.Desktop",
+            "LUMD_LAUNCHER_z\xc3\xa4.desktop", "lumd_launcher_z\xc3\xb6.DESKTOP"}) {
+        expected.append(QLatin1String(applications) + QString::fromUtf8(name));
+        write(expected.last(), "[Desktop Entry]\nX-lumd-packageName=a\n");
+    }
+    QCOMPARE(m_manager->desktopFiles(), expected);
+}
+
+void TestDesktopManagerQuestions::namesThatAreNoTextDoNotCount()
+{
+    const QByteArray text("[Desktop Entry]\nX-lumd-packageName=a\n");
+    const QString good = entryPath("lumd_launcher_a.desktop");
+    write(good, text);
+    for (const char *name : {"lumd_launcher_\xff.desktop", "lumd_launcher_\xc3.desktop"}) {
+        const QByteArray path = applications + QByteArray(name);
+        QCOMPARE(link(qPrintable(good), path.constData()), 0);
+    }
+    const LogCapture log;
+    QCOMPARE(m_manager->desktopFiles(), QStringList{good});
+    QCOMPARE(m_manager->packages(), QStringList{QStringLiteral("a")});
+    QCOMPARE(log.lines(), QStringList());
 }
 
 void TestDesktopManagerQuestions::entryWithoutAPackageIsUnderTheNullKey()

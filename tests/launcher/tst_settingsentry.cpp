@@ -119,6 +119,8 @@ void TestSettingsEntry::valuesAreStringsWhateverTheyHold_data()
     row("placeholders", QStringLiteral("%1"), QStringLiteral("%2"), "%1", "%2");
     row("quotes and line feeds", QStringLiteral("a\"b\\c"), QStringLiteral("1\n2\t3"),
         "a\\\"b\\\\c", "1\\n2\\t3");
+    row("lone quote", QStringLiteral("\""), QStringLiteral("1\""), "\\\"", "1\\\"");
+    row("lone backslash", QStringLiteral("\\"), QStringLiteral("1\\"), "\\\\", "1\\\\");
     row("not ASCII", QStringLiteral("\u00e4"), QStringLiteral("\u6f22"), "\xc3\xa4",
         "\xe6\xbc\xa2");
     row("NUL", QString(QChar(0)), QString(QChar(0)), "\\u0000", "\\u0000");

@@ -14,6 +14,17 @@ GBinderWriter writerOf(Message *message)
     return writer;
 }
 
+/// Nothing says what a writer of no message does.
+GBinderWriter newWriter(const void *pointer, Kind kind, const char *function)
+{
+    if (!pointer) {
+        World &world = World::instance();
+        const std::lock_guard<std::mutex> lock(world.mutex);
+        world.error(QStringLiteral("%1 of null").arg(QLatin1String(function)));
+    }
+    return writerOf(findMessage(pointer, kind, function));
+}
+
 /// A value that is appended through a writer of its own, as the short forms do.
 template <typename Pointer, typename Value>
 Pointer *appendTo(Pointer *pointer, Kind kind, void (*append)(GBinderWriter *, Value), Value value)
@@ -36,7 +47,7 @@ void gbinder_local_request_unref(GBinderLocalRequest *request)
 
 void gbinder_local_request_init_writer(GBinderLocalRequest *request, GBinderWriter *writer)
 {
-    *writer = writerOf(findMessage(request, Kind::LocalRequest, "local_request_init_writer"));
+    *writer = newWriter(request, Kind::LocalRequest, "local_request_init_writer");
 }
 
 GBinderLocalRequest *gbinder_local_request_append_int32(GBinderLocalRequest *request, guint32 value)
@@ -63,7 +74,7 @@ void gbinder_local_reply_unref(GBinderLocalReply *reply)
 
 void gbinder_local_reply_init_writer(GBinderLocalReply *reply, GBinderWriter *writer)
 {
-    *writer = writerOf(findMessage(reply, Kind::LocalReply, "local_reply_init_writer"));
+    *writer = newWriter(reply, Kind::LocalReply, "local_reply_init_writer");
 }
 
 GBinderLocalReply *gbinder_local_reply_append_int32(GBinderLocalReply *reply, guint32 value)

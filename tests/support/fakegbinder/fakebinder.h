@@ -80,8 +80,9 @@ void clearLedger();
 /// "registration_handler alien 1", "local_object IFACE".
 QStringList leaks();
 /// Wrong uses, in order: a release or use of a handle that is gone already, a handle of
-/// another kind, a handler removed twice, a read where libgbinder would leave the message's
-/// memory (behind a byte array at the end whose padding is missing). Empty in a good run.
+/// another kind, a handler removed twice, a writer for null, a read where libgbinder would leave
+/// the message's memory (behind a byte array at the end whose padding is missing). Empty in a good
+/// run.
 QStringList errors();
 
 } // namespace FakeBinder
