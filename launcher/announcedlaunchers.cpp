@@ -7,7 +7,7 @@ void AnnouncedLaunchers::add(const ApkLauncher &launcher, const QString &desktop
 {
     for (auto found = m_byEntry.constFind(desktopPath);
          found != m_byEntry.constEnd() && found.key() == desktopPath; ++found) {
-        const Records::iterator record = *found;
+        const auto record = *found;
         if (record->packageName == launcher.packageName
             && record->className == launcher.className) {
             m_records.splice(m_records.end(), m_records, record);

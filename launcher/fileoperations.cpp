@@ -86,8 +86,7 @@ struct Found
 std::optional<Found> matchAscii(
     std::string_view name, QLatin1String folder, QLatin1String prefix, QLatin1String suffix)
 {
-    const auto around = static_cast<std::size_t>(prefix.size() + suffix.size());
-    if (name.size() < around
+    if (name.size() < static_cast<uint>(prefix.size()) + static_cast<uint>(suffix.size())
         || qstrnicmp(name.data(), prefix.data(), static_cast<uint>(prefix.size())) != 0
         || qstricmp(name.data() + name.size() - suffix.size(), suffix.data()) != 0)
         return {};

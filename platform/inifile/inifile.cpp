@@ -42,7 +42,7 @@ QVariant iniValue(const char *path, const QString &key)
     // QSettings keeps what it has read of a name until it sees another size or time. What it
     // keeps of this copy's name is nothing.
     QSettings settings(QStringLiteral("/proc/self/fd/%1").arg(copy.handle()), QSettings::IniFormat);
-    const QVariant value = settings.value(key);
+    QVariant value = settings.value(key);
     if (!copy.resize(0))
         return {};
     settings.sync();

@@ -74,8 +74,11 @@ bool TestHinderedBus::start()
 
 void TestHinderedBus::startBus()
 {
+    // A message that went out between the bus and the server would find nobody there.
+    m_world->daemon->signal(SIGSTOP);
     m_bus.emplace(PrivateBus::Kind::User, 1000);
     m_server.emplace(m_bus->address());
+    m_world->daemon->signal(SIGCONT);
 }
 
 QStringList TestHinderedBus::told()
