@@ -30,8 +30,9 @@ void removeLeftovers()
         const QStringList names =
             QDir(QLatin1String(folder))
                 .entryList({QLatin1String(generatedPrefix) + QLatin1String("*.??????")},
-                    QDir::Files | QDir::NoSymLinks);
-        for (const QString &name : names.filter(temporary)) {
+                    QDir::Files | QDir::NoSymLinks)
+                .filter(temporary);
+        for (const QString &name : names) {
             const QString path = QLatin1String(folder) + name;
             qCDebug(launcherLog) << "Deleting:" << path;
             removeFile(path);
