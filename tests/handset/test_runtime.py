@@ -70,8 +70,14 @@ class Runtime(Scenario):
         self.assertEqual(self.device.state(device.RUNTIME), "failed")
         self.device.wait(lambda: self.device.seen_states()[-1] == "failed", "failed is seen")
         died = [line.text for line in self.device.log(priority="warning")]
-        self.assertEqual(sorted(died), sorted(f"{service} died! Trying to reconnect."
-                                              for service in device.PERSISTENT_SERVICES))
+        told = {f"{service} died! Trying to reconnect." for service in device.PERSISTENT_SERVICES}
+        # Systemd passes through that state while the last process of several is ended. A link
+        # that lumd has dropped for it dies unheard.
+        if "deactivating" in self.device.seen_states():
+            self.assertLessEqual(set(died), told)
+        else:
+            self.assertEqual(set(died), told)
+        self.assertEqual(len(died), len(set(died)))
         self.expected_warnings = died
         self.device.install(apps.MAPS, apps.NOTES)
         self.device.start_runtime()
