@@ -199,10 +199,11 @@ void TestBusCalls::daemonComesThroughThemAll()
         first.descriptors, last.descriptors, first.kilobytes, last.kilobytes, m_binderBytes / 1024);
     QCOMPARE(last.descriptors, first.descriptors);
     QCOMPARE(last.handles, first.handles);
-    // The fake library frees nothing: a message takes twice its size there and more, and what
-    // stands for the handles of a call some 2 KB.
-    QVERIFY(
-        last.kilobytes - first.kilobytes < 16 * 1024 + 3 * m_binderBytes / 1024 + 2 * callCount());
+    // The fake library frees nothing; a message takes twice its size there and more, and in a long
+    // run what stands for the handles of each call shows, too: some 2 KB.
+    constexpr int longRun = 2000;
+    const qint64 kept = 3 * m_binderBytes / 1024 + 2 * qMax(0, callCount() - longRun);
+    QVERIFY(last.kilobytes - first.kilobytes < 16 * 1024 + kept);
     QCOMPARE(errorOf(DaemonFixture::call(QStringLiteral("isRunning"))), QString());
     m_world->android->quitDaemon();
     QVERIFY(m_world->daemon->waitForExit(30000));
