@@ -41,12 +41,11 @@ std::size_t valueStart(std::string_view text, std::string_view key)
 
 DesktopEntry::DesktopEntry(const QString &fileName) : m_fileName(fileName)
 {
-    bool isMissing = false;
-    const std::optional<QByteArray> bytes = readFile(fileName, &isMissing);
+    const std::optional<QByteArray> bytes = readFile(fileName);
     if (bytes)
         m_loaded = *bytes;
     else
-        m_isNew = isMissing || !QFile::exists(fileName);
+        m_isNew = !QFile::exists(fileName);
 }
 
 DesktopEntry::~DesktopEntry()
