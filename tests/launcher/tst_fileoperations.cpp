@@ -11,6 +11,7 @@
 
 #include <dirent.h>
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -55,6 +56,7 @@ private Q_SLOTS:
     void fileDiffersUnlessEveryByteIsTheSame_data();
     void fileDiffersUnlessEveryByteIsTheSame();
     void fileThatCannotBeReadDiffers();
+    void firstDescriptorIsOneLikeAnother();
     void namesAreListedAsQtListsThem_data();
     void namesAreListedAsQtListsThem();
     void kindsAreListedAsQtListsThem();
@@ -125,6 +127,15 @@ void TestFileOperations::fileThatCannotBeReadDiffers()
     QVERIFY(!readFile(target()));
     write(target(), {});
     QVERIFY(!readFile(target() + QChar(0)));
+}
+
+// The first is free in a process whose standard input is closed.
+void TestFileOperations::firstDescriptorIsOneLikeAnother()
+{
+    write(target(), "a");
+    close(STDIN_FILENO);
+    QVERIFY(!fileDiffers(target(), "a"));
+    QCOMPARE(fcntl(STDIN_FILENO, F_GETFD), -1);
 }
 
 // Capital letters are sorted as small ones, and nothing else is, whatever lies next to them.
