@@ -98,9 +98,10 @@ Session::End Session::wait(
     if (!m_deadline.isForever())
         deadline.start(remaining());
     QTimer second;
-    if (eachSecond)
+    if (eachSecond) {
         connect(&second, &QTimer::timeout, this, eachSecond);
-    second.start(std::chrono::seconds(1));
+        second.start(std::chrono::seconds(1));
+    }
     for (;;) {
         if (isReached())
             return End::Reached;

@@ -60,7 +60,7 @@ public:
     /// The signal that came, or 0.
     int caughtSignal() const { return m_caughtSignal; }
 
-    /// Waits until that is so; it is looked at after each wake() and each second.
+    /// Waits until that is so; it is looked at after each wake().
     End wait(const std::function<bool()> &isReached, const std::function<void()> &eachSecond = {});
     void wake() { m_loop.quit(); }
     /// Lets the next wait go on without lumd, which may come back.
