@@ -50,7 +50,7 @@ void TestLumctlRuntime::runtimeIsStartedAndStopped()
     QCOMPARE(lumctl(words("runtime stop")),
         QStringList({QStringLiteral("The Android runtime is inactive"), QStringLiteral("exit 0")}));
     m_world->systemd.setFollowsRequests(false);
-    QCOMPARE(lumctl(words("runtime start --timeout 2")),
+    QCOMPARE(lumctl(words("runtime start --timeout 8")),
         QStringList({QStringLiteral("lumctl: The Android runtime is still inactive"),
             QStringLiteral("exit 5")}));
     QCOMPARE(lumctl(words("runtime start --no-wait")),
