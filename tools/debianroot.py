@@ -101,7 +101,7 @@ def make(folder, suite, packages, architectures, setup, control, sources):
         if setup:
             hooks.append(f'--customize-hook=chroot "$1" sh -ec {shlex.quote(setup)}')
         hooks.append('--customize-hook=rm -rf "$1/source"')
-        log = CACHE / 'mmdebstrap.log'
+        log = folder.with_name(folder.name.rsplit('-', 2)[0] + '.log')
         command = ['unshare', '--mount', '--propagation=unchanged', 'sh', '-c',
                    'mount --make-rprivate / 2>/dev/null; exec "$@"', 'sh',
                    'mmdebstrap', '--mode=root', '--variant=minbase', *apt_options(), *hooks,

@@ -14,31 +14,35 @@ PACKAGES = PROJECT / 'build' / 'packages'
 SUITE = 'trixie'
 
 # What lumd takes, so that it installs without a network, and what its tests do.
-INSTALLED = ('autopkgtest', 'dbus', 'libgbinder1', 'libpackagekitqt5-1', 'libpam-systemd',
-             'libqt5dbus5t64', 'systemd-sysv')
+INSTALLED = ('autopkgtest', 'dbus', 'dpkg-dev', 'libgbinder1', 'libpackagekitqt5-1',
+             'libpam-systemd', 'libqt5dbus5t64', 'systemd-sysv')
 
 # Before each script. "lists DIR..." shows all that is there, with owners, modes and contents.
 PROLOGUE = r'''
 set -eu
 export DEBIAN_FRONTEND=noninteractive
-install_lumd() { apt-get -qq install /packages/lumd_*_"$(dpkg --print-architecture)".deb >/tmp/apt.log 2>&1 ||
-    { cat /tmp/apt.log; return 1; }; }
+lumd=$(echo /packages/lumd_*_"$(dpkg --print-architecture)".deb)
+install_lumd() {
+    apt-get -qq install "$lumd" >/tmp/apt.log 2>&1 || { cat /tmp/apt.log; return 1; }
+}
 lists() {
     find "$@" -printf '%y %m %u:%g %p %l\n' -type f -exec sha256sum {} + | LC_ALL=C sort
 }
-show() { lists / -xdev \( -path /proc -o -path /tmp -o -path /packages -o -path /var/lib/dpkg \
-    -o -path /var/lib/apt -o -path /var/log -o -path /var/cache -o -path /etc/ld.so.cache \) -prune -o; }
+show() {
+    lists / -xdev \( -path /proc -o -path /tmp -o -path /packages -o -path /var/lib/dpkg \
+        -o -path /var/lib/apt -o -path /var/log -o -path /var/cache -o -path /etc/ld.so.cache \
+        \) -prune -o
+}
 # Makes a later version of the package, /tmp/newer.deb.
 make_newer() {
-    dpkg-deb --raw-extract /packages/lumd_*_"$(dpkg --print-architecture)".deb /tmp/newer
+    dpkg-deb --raw-extract "$lumd" /tmp/newer
     sed -i 's/^Version: .*/&+later/' /tmp/newer/DEBIAN/control
     dpkg-deb --root-owner-group --build /tmp/newer /tmp/newer.deb >/dev/null
 }
 # A service manager that notes what it is asked for.
 fake_systemd() {
     mkdir -p /run/systemd/system
-    printf '#!/bin/sh\necho "$*" >>/tmp/systemctl\n' >/usr/local/sbin/systemctl
-    chmod +x /usr/local/sbin/systemctl
+    printf '#!/bin/sh\necho "$*" >>/tmp/systemctl\n' >/usr/bin/systemctl
     : >/tmp/systemctl
 }
 '''
