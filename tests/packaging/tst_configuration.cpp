@@ -45,8 +45,7 @@ void install(const char *name, const QString &text)
 {
     QFile file(QLatin1String("/etc/lumd/") + QLatin1String(name));
     if (text.isEmpty() || !QDir().mkpath(QStringLiteral("/etc/lumd/platform"))
-        || !file.open(QIODevice::WriteOnly | QIODevice::Truncate)
-        || file.write(text.toUtf8()) < 0)
+        || !file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(text.toUtf8()) < 0)
         qFatal("cannot install %s", name);
 }
 
