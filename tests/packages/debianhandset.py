@@ -39,10 +39,12 @@ make_newer() {
     sed -i 's/^Version: .*/&+later/' /tmp/newer/DEBIAN/control
     dpkg-deb --root-owner-group --build /tmp/newer /tmp/newer.deb >/dev/null
 }
-# A service manager that notes what it is asked for.
+# A service manager that notes what it is asked for; with --root no manager is asked.
 fake_systemd() {
     mkdir -p /run/systemd/system
-    printf '#!/bin/sh\necho "$*" >>/tmp/systemctl\n' >/usr/bin/systemctl
+    cp /usr/bin/systemctl /tmp/real-systemctl
+    printf '%s\n' '#!/bin/sh' 'case $1 in --root*) exec /tmp/real-systemctl "$@" ;; esac' \
+        'echo "$*" >>/tmp/systemctl' >/usr/bin/systemctl
     : >/tmp/systemctl
 }
 '''
