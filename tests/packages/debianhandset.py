@@ -60,6 +60,6 @@ class HandsetTest(unittest.TestCase):
         root = debianroot.root('handset', SUITE, INSTALLED)
         done = root.run('bash', '-c', '\n'.join((PROLOGUE, *scripts)),
                         binds=[(PACKAGES, '/packages', 'ro')], stdout=subprocess.PIPE,
-                        stderr=subprocess.STDOUT, text=True)
+                        stderr=subprocess.STDOUT, text=True, errors='replace')
         self.assertEqual(done.returncode, 0, done.stdout)
         return done.stdout

@@ -21,10 +21,9 @@ echo half >"/usr/share/tovra-settings/entries/$name.json.aB3dE6"
 
 # Files that lumd makes beside them.
 KEPT = r'''
-mkdir -p /home/.android/data/aas-staging/app/incoming/sub /home/.android/data/aas-staging/app/packaged
-touch /home/.android/data/aas-staging/app/incoming/maps.apk.tmp
-touch /home/.android/data/aas-staging/app/incoming/.hidden
-touch /home/.android/data/aas-staging/app/incoming/sub/maps.apk
+app=/home/.android/data/aas-staging/app
+mkdir -p $app/incoming/sub $app/packaged
+touch $app/incoming/maps.apk.tmp $app/incoming/.hidden $app/incoming/sub/maps.apk
 touch /usr/share/lumd/partnerspace/com.example.maps.apk
 touch '/usr/share/lumd/partnerspace/odd *[name].apk'
 '''
@@ -114,8 +113,8 @@ class Purge(debianhandset.HandsetTest):
             install_lumd
             mkdir -p /tmp/maker/DEBIAN /tmp/maker/usr/share/lumd/partnerspace
             touch '/tmp/maker/usr/share/lumd/partnerspace/maker[1].apk'
-            printf 'Package: maker\nVersion: 1\nArchitecture: all\nMaintainer: maker\nDescription: markers\n' \
-                >/tmp/maker/DEBIAN/control
+            printf '%s\n' 'Package: maker' 'Version: 1' 'Architecture: all' 'Maintainer: maker' \
+                'Description: markers' >/tmp/maker/DEBIAN/control
             dpkg-deb --root-owner-group --build /tmp/maker /tmp/maker.deb >/dev/null
             dpkg --install /tmp/maker.deb >/dev/null
             touch /usr/share/lumd/partnerspace/maker1.apk
