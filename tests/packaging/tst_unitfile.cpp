@@ -25,7 +25,8 @@ void TestUnitFile::everyLineIsThere()
             "Requires=sysinit.target dbus.socket", "Wants=systemd-logind.service",
             "After=sysinit.target basic.target dbus.socket systemd-logind.service",
             "Conflicts=shutdown.target", "Before=shutdown.target", "StartLimitIntervalSec=0",
-            "[Service]", "Type=dbus", "BusName=com.tovra.lumd", "ExecStart=" PROGRAM,
+            "[Service]", "Type=dbus", "BusName=com.tovra.lumd",
+            "EnvironmentFile=-/etc/lumd/environment", "ExecStart=" PROGRAM,
             "TimeoutStartSec=infinity",
             "Environment=\"QT_MESSAGE_PATTERN=<%%{if-debug}7%%{endif}%%{if-info}6%%{endif}"
             "%%{if-warning}4%%{endif}%%{if-critical}3%%{endif}%%{if-fatal}2%%{endif}>"
