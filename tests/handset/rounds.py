@@ -9,112 +9,23 @@ comes twice or out of order ends the program with what was asked and what the ru
 import collections
 import json
 import os
-import select
 import socket
-import subprocess
 import sys
 import time
 
 import dbus
+from roundwatcher import LASTING, PATIENCE, RUNTIME, Watcher
 
-LUMD, RUNTIME = "lumd.service", "aliendalvik.service"
 NAME, PATH = "com.tovra.lumd", "/com/tovra/lumd"
 SYSTEMD = "org.freedesktop.systemd1"
 CONTROL = "/run/alien-runtime/control"
 APKS = "/run/rounds"
 STAGED = "/home/.android/data/aas-staging/app/incoming"
-# Longest time, in seconds, that anything may take to happen.
-PATIENCE = 120
-LASTING = {"package", "activity", "alarm", "alien"}
 
 bus = dbus.SystemBus()
 lumd = dbus.Interface(bus.get_object(NAME, PATH, introspect=False), NAME)
 manager = dbus.Interface(bus.get_object(SYSTEMD, "/org/freedesktop/systemd1"),
                          f"{SYSTEMD}.Manager")
-
-
-class Journal:
-    """What lumd and the runtime write, as it comes."""
-
-    def __init__(self):
-        self.process = subprocess.Popen(
-            ["journalctl", "--follow", "--lines=all", f"--since=@{time.time():.6f}", "--quiet",
-             "--output=json", "--output-fields=MESSAGE,_SYSTEMD_UNIT", f"_SYSTEMD_UNIT={LUMD}",
-             f"_SYSTEMD_UNIT={RUNTIME}"], stdout=subprocess.PIPE)
-        self.rest = b""
-
-    def lines(self, seconds):
-        """The lines that came, waited for that long at most: unit and text."""
-        if not select.select([self.process.stdout], [], [], seconds)[0]:
-            return []
-        *whole, self.rest = (self.rest + os.read(self.process.stdout.fileno(), 1 << 16)
-                             ).split(b"\n")
-        entries = [json.loads(line) for line in whole]
-        return [(entry["_SYSTEMD_UNIT"], entry["MESSAGE"]) for entry in entries]
-
-
-class Watcher:
-    """Knows lumd's links, and what the runtime got."""
-
-    def __init__(self):
-        self.journal = Journal()
-        self.links = set()
-        self.states = []
-        self.changes = []
-        self.launches = collections.Counter()
-        self.intents = []
-        self.finished = set()
-        self.announced = 0
-
-    def wait(self, condition, what):
-        """Reads on until the condition holds."""
-        deadline = time.monotonic() + PATIENCE
-        while not condition():
-            if time.monotonic() > deadline:
-                raise RuntimeError(f"waited {PATIENCE} s in vain: {what}")
-            self.read(0.5)
-
-    def read(self, seconds):
-        for unit, text in self.journal.lines(seconds):
-            if unit == LUMD:
-                self.hear(text)
-            elif text.startswith("{"):
-                self.see(json.loads(text))
-
-    def hear(self, text):
-        """Follows a line of lumd's."""
-        words = text.split()
-        if text.startswith("Connected to Alien Service "):
-            self.links |= LASTING & {words[-1]}
-        elif text.endswith("died! Trying to reconnect."):
-            self.links.discard(words[0])
-        elif text.startswith("Alien Dalvik is "):
-            self.states.append(words[3].strip('"'))
-            if self.states[-1] == "deactivating":
-                self.links.clear()
-
-    def see(self, event):
-        """Follows an event of the runtime's."""
-        kind, arguments = event["event"], event.get("arguments", {})
-        if "error" in event:
-            raise RuntimeError(f"the runtime was sent {event}")
-        if kind in ("install", "delete"):
-            self.finished.add((kind, event["package"]))
-        elif kind == "announce" and event["method"] == "complete":
-            self.announced += 1
-        elif kind == "call":
-            self.count(event["method"], arguments)
-
-    def count(self, method, arguments):
-        """Counts a call that was asked for."""
-        if method == "deletePackageAsUser":
-            self.changes.append(("remove", arguments["package"]))
-        elif method == "installPackage":
-            self.changes.append(("install", arguments["path"].rpartition("/")[2]))
-        elif method == "startActivity":
-            self.intents.append(arguments["intent"]["action"])
-        elif method == "launchPackage":
-            self.launches[arguments["package"]] += 1
 
 
 class Rounds:
@@ -286,6 +197,7 @@ class Rounds:
                           "files": len(os.listdir(f"{process}/fd")),
                           "memory": int(status["VmRSS"].split()[0]),
                           "own": int(status["RssAnon"].split()[0]),
+                          "found": self.watcher.found,
                           "waiting": sum(self.launches.values())}), flush=True)
 
 
