@@ -35,7 +35,7 @@ void TestUnitFile::everyLineIsThere()
             "CapabilityBoundingSet=CAP_CHOWN CAP_FOWNER CAP_FSETID CAP_DAC_OVERRIDE "
             "CAP_DAC_READ_SEARCH",
             "CapabilityBoundingSet=CAP_SETUID CAP_SETGID", "ProtectSystem=strict",
-            "ReadOnlyPaths=/root /run /run/user", "ReadWritePaths=/home",
+            "ReadOnlyPaths=-/root /run -/run/user", "ReadWritePaths=/home",
             "ReadWritePaths=-/usr/share/applications -/usr/share/tovra-settings/entries",
             "ReadWritePaths=-/usr/share/lumd/partnerspace", "StateDirectory=lumd",
             "PrivateMounts=yes", "PrivateNetwork=yes", "IPAddressDeny=any",
