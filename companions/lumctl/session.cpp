@@ -95,8 +95,6 @@ Session::End Session::wait(
     QTimer deadline;
     deadline.setSingleShot(true);
     connect(&deadline, &QTimer::timeout, this, &Session::wake);
-    if (!m_deadline.isForever())
-        deadline.start(remaining());
     QTimer second;
     if (eachSecond) {
         connect(&second, &QTimer::timeout, this, eachSecond);
@@ -111,6 +109,9 @@ Session::End Session::wait(
             return End::Vanished;
         if (m_deadline.hasExpired())
             return End::TimedOut;
+        // Anew each time: a timer may fire before its time.
+        if (!m_deadline.isForever())
+            deadline.start(remaining());
         m_loop.exec();
     }
 }
