@@ -75,7 +75,9 @@ int runEach(int argc, char **argv, const std::vector<QByteArray> &functions)
     return failures == 0 && !functions.empty() ? 0 : 1;
 }
 
-void clearEnvironment()
+} // namespace
+
+void TestMain::clearEnvironment()
 {
     for (const char *name : {"ANDROID_DATA_ROOT", "LUMD_PACKAGE_BLACKLIST_PATH",
              "DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS", "FAKE_GBINDER_SOCKET",
@@ -86,8 +88,6 @@ void clearEnvironment()
     // No qtlogging.ini of the user's.
     qputenv("XDG_CONFIG_HOME", "/run/config");
 }
-
-} // namespace
 
 int TestMain::run(int argc, char **argv, const QMetaObject &metaObject, const Factory &factory)
 {

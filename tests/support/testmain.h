@@ -12,6 +12,9 @@ namespace TestMain {
 /// Makes the test object; called once, after the application exists.
 using Factory = std::function<std::unique_ptr<QObject>()>;
 
+/// Takes the variables that lumd, Qt's logging and D-Bus read out of the environment.
+void clearEnvironment();
+
 /// What LUM_TEST_MAIN expands to. Gives the exit code, 0 only if all went well.
 int run(int argc, char **argv, const QMetaObject &metaObject, const Factory &factory);
 

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: BSD-3-Clause
+import QtQuick 2.15
+import org.kde.kirigami 2.20 as Kirigami
+import com.tovra.lumd.apps 1.0
+
+Kirigami.ApplicationWindow {
+    id: window
+    objectName: "window"
+    title: qsTrId("lumd-apps-title")
+    visible: true
+    width: Kirigami.Units.gridUnit * 50
+    height: Kirigami.Units.gridUnit * 38
+    minimumWidth: Kirigami.Units.gridUnit * 15
+    minimumHeight: Kirigami.Units.gridUnit * 15
+
+    pageStack.defaultColumnWidth: Kirigami.Units.gridUnit * 20
+    pageStack.globalToolBar.style: Kirigami.ApplicationHeaderStyle.ToolBar
+    pageStack.globalToolBar.showNavigationButtons: pageStack.wideMode
+        ? Kirigami.ApplicationHeaderStyle.NoNavigationButtons
+        : Kirigami.ApplicationHeaderStyle.ShowBackButton
+    pageStack.initialPage: AppListPage {
+        onAppChosen: window.showApp(app)
+    }
+
+    function showApp(app) {
+        pageStack.pop(pageStack.items[0])
+        pageStack.push(Qt.resolvedUrl("AppPage.qml"), { app: app })
+    }
+
+    function showInstaller() {
+        const isShown = pageStack.layers.depth > 1
+        if (Installer.state === Installer.Idle) {
+            if (isShown)
+                pageStack.layers.pop()
+        } else if (!isShown) {
+            pageStack.layers.push(Qt.resolvedUrl("InstallPage.qml"))
+        }
+    }
+
+    Connections {
+        target: Installer
+        function onChanged() { window.showInstaller() }
+    }
+}
