@@ -6,62 +6,64 @@
 
 #include <algorithm>
 
-App::App(const QString &package, LumdService *service, QObject *parent)
+App::App(const AndroidApp &app, LumdService *service, QObject *parent)
     : QObject(parent),
       m_service(service),
-      m_package(package)
+      m_package(app.package)
 {
-    connect(service, &LumdService::startOnBootChanged, this,
-        [this](const QString &name, bool isAllowed) {
-            if (name == m_package)
+    const LumdClient *const client = &service->client();
+    connect(client, &LumdClient::startOnBootChanged, this,
+        [this](const QString &package, bool isAllowed) {
+            if (package == m_package)
                 setStartOnBootKnown(isAllowed);
         });
-    connect(service, &LumdService::requestQueued, this,
+    connect(client, &LumdClient::requestQueued, this,
         [this](const QString &kind, const QString &what) {
             if (kind == QLatin1String("remove") && what == m_package)
                 setRemoval(Queued);
         });
-    connect(service, &LumdService::removeFinished, this, [this](const QString &name, bool isDone) {
-        if (name != m_package)
+    connect(client, &LumdClient::removeFinished, this, [this](const QString &package, bool isDone) {
+        if (package != m_package)
             return;
         setRemoval(isDone ? Removing : Installed);
         if (!isDone)
             setRemark(qtTrId("lumd-apps-remove-failed"), true);
     });
+    update(app);
 }
 
-void App::setLaunchers(const QVector<Launcher> &launchers)
+void App::update(const AndroidApp &app)
 {
-    QVector<Launcher> shown = launchers;
-    std::stable_partition(
-        shown.begin(), shown.end(), [](const Launcher &launcher) { return !launcher.isHidden; });
-    const Launcher &first = shown.first();
+    QVector<AndroidLauncher> launchers = app.launchers;
+    std::stable_partition(launchers.begin(), launchers.end(),
+        [](const AndroidLauncher &launcher) { return !launcher.isHidden; });
+    const AndroidLauncher first = launchers.value(0);
     m_name = shownText(first.name);
     if (m_name.trimmed().isEmpty())
         m_name = shownPackage();
     m_version = shownText(first.version);
     m_icon = first.icon.startsWith(QLatin1Char('/')) ? QUrl::fromLocalFile(first.icon) : QUrl();
     QStringList others;
-    for (auto it = shown.cbegin() + 1; it != shown.cend(); ++it)
-        others.append(shownText(it->name));
+    for (const AndroidLauncher &launcher : launchers.mid(1))
+        others.append(shownText(launcher.name));
     m_otherLaunchers = others.join(QStringLiteral(", "));
     Q_EMIT changed();
 }
 
-void App::setSizes(qint64 code, qint64 data, qint64 cache)
+void App::setSizes(const AppSize &size)
 {
     // -1 says that the runtime could not be asked, three zeros that it is down.
-    m_knowsSizes = code >= 0 && (code != 0 || data != 0 || cache != 0);
+    m_knowsSizes = size.code >= 0 && (size.code != 0 || size.data != 0 || size.cache != 0);
     const qint64 nothing = 0;
-    m_codeSize = double(std::max(code, nothing));
-    m_dataSize = double(std::max(data, nothing));
-    m_cacheSize = double(std::max(cache, nothing));
+    m_codeSize = double(std::max(size.code, nothing));
+    m_dataSize = double(std::max(size.data, nothing));
+    m_cacheSize = double(std::max(size.cache, nothing));
     Q_EMIT sizesChanged();
 }
 
 void App::forgetSizes()
 {
-    setSizes(-1, 0, 0);
+    setSizes({-1, 0, 0});
     m_knowsStartOnBoot = false;
     Q_EMIT startOnBootChanged();
 }
@@ -98,52 +100,53 @@ void App::askForSizes()
 
 void App::askForStartOnBoot()
 {
-    m_service->call(QStringLiteral("getAppStartOnBootup"), {m_package}, this,
-        [this](const QDBusMessage &reply) {
-            if (reply.type() == QDBusMessage::ReplyMessage)
-                setStartOnBootKnown(reply.arguments().value(0).toBool());
-        });
+    m_service->client().fetchStartOnBoot(
+        m_package, m_service->counted<bool>(this, [this](const Answer<bool> &answer) {
+            if (!answer.error)
+                setStartOnBootKnown(answer.value);
+        }));
 }
 
 void App::launch()
 {
-    request(QStringLiteral("launchApp"), qtTrId("lumd-apps-launched"));
+    request(&LumdClient::launchApp, qtTrId("lumd-apps-launched"));
 }
 
 void App::stop()
 {
-    request(QStringLiteral("forceStopApp"), qtTrId("lumd-apps-stopped"));
+    request(&LumdClient::stopApp, qtTrId("lumd-apps-stopped"));
 }
 
 void App::setStartOnBoot(bool isWanted)
 {
-    m_service->call(QStringLiteral("setAppStartOnBootup"), {m_package, isWanted}, this,
-        [this](const QDBusMessage &) { askForStartOnBoot(); });
+    m_service->client().setStartOnBoot(m_package, isWanted,
+        m_service->counted<Nothing>(this, [this](const auto &) { askForStartOnBoot(); }));
 }
 
 void App::clearCache()
 {
-    request(QStringLiteral("deleteAppCacheFiles"), qtTrId("lumd-apps-cache-cleared"));
+    request(&LumdClient::clearCache, qtTrId("lumd-apps-cache-cleared"));
     Q_EMIT spaceChanged();
 }
 
 void App::clearData()
 {
-    request(QStringLiteral("clearAppUserData"), qtTrId("lumd-apps-data-cleared"));
+    request(&LumdClient::clearData, qtTrId("lumd-apps-data-cleared"));
     Q_EMIT spaceChanged();
 }
 
 void App::openSettings()
 {
-    request(QStringLiteral("openAppSettings"), qtTrId("lumd-apps-settings-opened"));
+    request(&LumdClient::openSettings, qtTrId("lumd-apps-settings-opened"));
 }
 
 void App::remove()
 {
     setRemoval(Removing);
     setRemark({}, false);
-    m_service->call(QStringLiteral("removeFile"), {m_package}, this,
-        [this](const QDBusMessage &reply) { onRemoveAnswered(reply); });
+    m_service->client().removeApp(m_package,
+        m_service->counted<bool>(
+            this, [this](const Answer<bool> &answer) { onRemoveAnswered(answer); }));
 }
 
 void App::clearRemark()
@@ -151,22 +154,23 @@ void App::clearRemark()
     setRemark({}, false);
 }
 
-void App::request(const QString &method, const QString &doneRemark)
+void App::request(Operation operation, const QString &doneRemark)
 {
-    m_service->call(method, {m_package}, this, [this, doneRemark](const QDBusMessage &reply) {
-        const bool isError = reply.type() == QDBusMessage::ErrorMessage;
+    const auto done = [this, doneRemark](const Answer<Nothing> &answer) {
+        const bool isError = bool(answer.error);
         setRemark(isError ? qtTrId("lumd-apps-request-failed") : doneRemark, isError);
-    });
+    };
+    (m_service->client().*operation)(m_package, m_service->counted<Nothing>(this, done));
 }
 
-void App::onRemoveAnswered(const QDBusMessage &reply)
+void App::onRemoveAnswered(const Answer<bool> &answer)
 {
-    const bool isError = reply.type() == QDBusMessage::ErrorMessage;
-    if (!isError && reply.arguments().value(0).toBool())
+    if (!answer.error && answer.value)
         return;
     setRemoval(Installed);
-    setRemark(
-        isError ? qtTrId("lumd-apps-request-failed") : qtTrId("lumd-apps-remove-refused"), true);
+    setRemark(answer.error ? qtTrId("lumd-apps-request-failed")
+                           : qtTrId("lumd-apps-remove-refused"),
+        true);
 }
 
 void App::setRemoval(Removal removal)

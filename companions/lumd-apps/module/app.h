@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <QDBusMessage>
+#include "client/lumdclient.h"
+
 #include <QObject>
-#include <QStringList>
 #include <QUrl>
 
 class LumdService;
@@ -44,21 +44,12 @@ public:
     };
     Q_ENUM(Removal)
 
-    /// What lumd tells of one of its launchers.
-    struct Launcher
-    {
-        QString name;
-        QString icon; ///< an absolute path or the name of a themed icon
-        QString version;
-        bool isHidden = false;
-    };
+    App(const AndroidApp &app, LumdService *service, QObject *parent);
 
-    App(const QString &package, LumdService *service, QObject *parent);
-
-    /// Of at least one launcher. The first that is not hidden names the app.
-    void setLaunchers(const QVector<Launcher> &launchers);
-    /// What getAppSize answered.
-    void setSizes(qint64 code, qint64 data, qint64 cache);
+    /// Takes over what has changed. The first launcher that is not hidden names the app.
+    void update(const AndroidApp &app);
+    /// As lumd answers it.
+    void setSizes(const AppSize &size);
     void forgetSizes();
 
     QString package() const { return m_package; }
@@ -112,8 +103,10 @@ Q_SIGNALS:
     void spaceChanged();
 
 private:
-    void request(const QString &method, const QString &doneRemark);
-    void onRemoveAnswered(const QDBusMessage &reply);
+    using Operation = void (LumdClient::*)(const QString &, const Done<Nothing> &);
+
+    void request(Operation operation, const QString &doneRemark);
+    void onRemoveAnswered(const Answer<bool> &answer);
     void setRemoval(Removal removal);
     void setRemark(const QString &remark, bool isProblem);
     void setStartOnBootKnown(bool isAllowed);

@@ -4,44 +4,10 @@
 #include "companions/lumd-apps/lumdservice.h"
 #include "companions/lumd-apps/plaintext.h"
 
-#include <QDBusArgument>
-
 namespace {
 
 // Announcements come in hundreds when the runtime comes up.
 constexpr int collectingTime = 200; // milliseconds
-
-QVector<App::Launcher> launchersIn(const QDBusArgument &argument)
-{
-    QVector<App::Launcher> launchers;
-    argument.beginArray();
-    while (!argument.atEnd()) {
-        QString desktopFile;
-        App::Launcher launcher;
-        argument.beginStructure();
-        argument >> desktopFile >> launcher.name >> launcher.icon >> launcher.version
-            >> launcher.isHidden;
-        argument.endStructure();
-        launchers.append(launcher);
-    }
-    argument.endArray();
-    return launchers;
-}
-
-QHash<QString, QVector<App::Launcher>> packagesIn(const QDBusArgument &argument)
-{
-    QHash<QString, QVector<App::Launcher>> packages;
-    argument.beginMap();
-    while (!argument.atEnd()) {
-        QString package;
-        argument.beginMapEntry();
-        argument >> package;
-        packages.insert(package, launchersIn(argument));
-        argument.endMapEntry();
-    }
-    argument.endMap();
-    return packages;
-}
 
 } // namespace
 
@@ -52,11 +18,15 @@ AppList::AppList(LumdService *service, QObject *parent)
     m_readSoon.setSingleShot(true);
     m_readSoon.setInterval(collectingTime);
     connect(&m_readSoon, &QTimer::timeout, this, &AppList::read);
-    connect(service, &LumdService::launchersChanged, &m_readSoon, qOverload<>(&QTimer::start));
+    const auto readSoon = qOverload<>(&QTimer::start);
+    const LumdClient *const client = &service->client();
+    connect(client, &LumdClient::launcherChanged, &m_readSoon, readSoon);
+    connect(client, &LumdClient::launcherGone, &m_readSoon, readSoon);
+    connect(client, &LumdClient::packageRemoved, &m_readSoon, readSoon);
+    connect(client, &LumdClient::installFinished, this, &AppList::measure);
+    connect(client, &LumdClient::packageRemoved, this, &AppList::measure);
     connect(service, &LumdService::presenceChanged, this, &AppList::onPresence);
-    connect(service, &LumdService::propertiesChanged, this, &AppList::onProperties);
-    connect(service, &LumdService::installFinished, this, &AppList::measure);
-    connect(service, &LumdService::packageRemoved, this, &AppList::measure);
+    connect(service, &LumdService::stateChanged, this, &AppList::onState);
 }
 
 App *AppList::find(const QString &package) const
@@ -108,9 +78,9 @@ void AppList::onPresence()
     Q_EMIT totalChanged();
 }
 
-void AppList::onProperties()
+void AppList::onState()
 {
-    const bool isReady = m_service->properties().value(QStringLiteral("Ready")).toBool();
+    const bool isReady = m_service->state().isReady;
     if (isReady == m_wasReady)
         return;
     m_wasReady = isReady;
@@ -126,28 +96,28 @@ void AppList::read()
         return;
     }
     m_isReading = true;
-    m_service->callMonitor(QStringLiteral("ListApps"), this, [this](const QDBusMessage &reply) {
-        m_isReading = false;
-        onRead(reply);
-    });
+    using Apps = QVector<AndroidApp>;
+    m_service->client().listApps(
+        m_service->counted<Apps>(this, [this](const Answer<Apps> &answer) {
+            m_isReading = false;
+            if (answer.error || m_service->presence() != LumdService::Presence::Present)
+                return;
+            take(answer.value);
+            setRead(true);
+        }));
 }
 
-void AppList::onRead(const QDBusMessage &reply)
+void AppList::take(const QVector<AndroidApp> &apps)
 {
-    if (reply.signature() != QLatin1String("a{sa(ssssb)}")
-        || m_service->presence() != LumdService::Presence::Present)
-        return;
-    take(packagesIn(reply.arguments().value(0).value<QDBusArgument>()));
-    setRead(true);
-}
-
-void AppList::take(const Launchers &launchers)
-{
+    QHash<QString, AndroidApp> found;
+    for (const AndroidApp &app : apps)
+        found.insert(app.package, app);
     for (int row = m_apps.size() - 1; row >= 0; --row) {
         App *const app = m_apps.at(row);
-        const QVector<App::Launcher> found = launchers.value(app->package());
-        if (!found.isEmpty()) {
-            app->setLaunchers(found);
+        const auto it = found.constFind(app->package());
+        if (it != found.constEnd()) {
+            app->update(*it);
+            found.erase(it);
             Q_EMIT dataChanged(index(row), index(row));
             continue;
         }
@@ -156,21 +126,15 @@ void AppList::take(const Launchers &launchers)
         endRemoveRows();
         app->deleteLater();
     }
-    add(launchers);
+    add(found.values().toVector());
     Q_EMIT countChanged();
 }
 
-void AppList::add(const Launchers &launchers)
+void AppList::add(const QVector<AndroidApp> &apps)
 {
-    QSet<QString> known;
-    for (const App *const app : qAsConst(m_apps))
-        known.insert(app->package());
     QVector<App *> added;
-    for (auto it = launchers.cbegin(); it != launchers.cend(); ++it) {
-        if (it->isEmpty() || known.contains(it.key()))
-            continue;
-        auto *const app = new App(it.key(), m_service, this);
-        app->setLaunchers(*it);
+    for (const AndroidApp &found : apps) {
+        auto *const app = new App(found, m_service, this);
         connect(app, &App::sizesAskedFor, this, [this, app] { queueSizes(app); });
         connect(app, &App::spaceChanged, this, [this, app] {
             queueSizes(app);
@@ -206,19 +170,19 @@ void AppList::measure()
     if (m_isMeasuring || m_service->presence() != LumdService::Presence::Present)
         return;
     m_isMeasuring = true;
-    m_service->callPatiently(
-        QStringLiteral("getAndroidAppDataUsage"), this, [this](const QDBusMessage &reply) {
-            m_isMeasuring = false;
-            onTotal(reply);
-        });
+    // Not counted: it takes its time by design.
+    m_service->client().fetchDataUsage([this](const Answer<quint64> &answer) {
+        m_isMeasuring = false;
+        onTotal(answer);
+    });
 }
 
-void AppList::onTotal(const QDBusMessage &reply)
+void AppList::onTotal(const Answer<quint64> &answer)
 {
-    const qint64 bytes = reply.arguments().value(0).toLongLong();
     // lumd answers 0 when it cannot tell.
-    const bool isKnown = reply.type() == QDBusMessage::ReplyMessage && bytes > 0;
-    m_totalText = isKnown ? qtTrId("lumd-apps-total").arg(shownBytes(bytes)) : QString();
+    const bool isKnown = !answer.error && answer.value > 0;
+    m_totalText =
+        isKnown ? qtTrId("lumd-apps-total").arg(shownBytes(qint64(answer.value))) : QString();
     Q_EMIT totalChanged();
 }
 
@@ -237,20 +201,12 @@ void AppList::askNextSizes()
         if (!app)
             continue;
         m_isAskingSizes = true;
-        m_service->call(QStringLiteral("getAppSize"), {app->package()}, this,
-            [this, app](const QDBusMessage &reply) {
+        m_service->client().fetchSize(app->package(),
+            m_service->counted<AppSize>(this, [this, app](const Answer<AppSize> &answer) {
                 m_isAskingSizes = false;
-                if (app && reply.signature() == QLatin1String("(xxx)")) {
-                    const auto sizes = reply.arguments().value(0).value<QDBusArgument>();
-                    qint64 code = 0;
-                    qint64 data = 0;
-                    qint64 cache = 0;
-                    sizes.beginStructure();
-                    sizes >> code >> data >> cache;
-                    sizes.endStructure();
-                    app->setSizes(code, data, cache);
-                }
+                if (app && !answer.error)
+                    app->setSizes(answer.value);
                 askNextSizes();
-            });
+            }));
     }
 }

@@ -4,9 +4,7 @@
 #include "companions/lumd-apps/app.h"
 
 #include <QAbstractListModel>
-#include <QDBusMessage>
 #include <QPointer>
-#include <QSet>
 #include <QTimer>
 #include <QVector>
 
@@ -50,17 +48,14 @@ Q_SIGNALS:
     void totalChanged();
 
 private:
-    using Launchers = QHash<QString, QVector<App::Launcher>>;
-
     void onPresence();
-    void onProperties();
+    void onState();
     void read();
-    void onRead(const QDBusMessage &reply);
-    void take(const Launchers &launchers);
-    void add(const Launchers &launchers);
+    void take(const QVector<AndroidApp> &apps);
+    void add(const QVector<AndroidApp> &apps);
     void clear();
     void setRead(bool isRead);
-    void onTotal(const QDBusMessage &reply);
+    void onTotal(const Answer<quint64> &answer);
     void queueSizes(App *app);
     void askNextSizes();
 

@@ -10,17 +10,17 @@ InstallQueue::InstallQueue(LumdService *service, QObject *parent)
     : QObject(parent),
       m_service(service)
 {
-    connect(service, &LumdService::installFinished, this, &InstallQueue::onFinished);
+    connect(&service->client(), &LumdClient::installFinished, this, &InstallQueue::onFinished);
     connect(service, &LumdService::presenceChanged, this, &InstallQueue::onPresence);
-    connect(service, &LumdService::requestQueued, this,
+    connect(&service->client(), &LumdClient::requestQueued, this,
         [this](const QString &kind, const QString &what) {
             if (kind == QLatin1String("install") && what == m_path && isBusy()) {
                 m_isKept = true;
                 set(Waiting);
             }
         });
-    connect(service, &LumdService::propertiesChanged, this, [this] {
-        if (m_state == Waiting && m_service->properties().value(QStringLiteral("Ready")).toBool())
+    connect(service, &LumdService::stateChanged, this, [this] {
+        if (m_state == Waiting && m_service->state().isReady)
             set(Installing);
     });
 }
@@ -96,17 +96,17 @@ void InstallQueue::begin()
 void InstallQueue::hand()
 {
     m_isHanded = true;
-    m_service->call(QStringLiteral("installFile"), {m_path}, this,
-        [this](const QDBusMessage &reply) { onAnswered(reply); });
+    m_service->client().installFile(m_path,
+        m_service->counted<bool>(this, [this](const Answer<bool> &answer) { onAnswered(answer); }));
 }
 
-void InstallQueue::onAnswered(const QDBusMessage &reply)
+void InstallQueue::onAnswered(const Answer<bool> &answer)
 {
     if (!isBusy())
         return;
-    if (reply.type() == QDBusMessage::ErrorMessage)
+    if (answer.error)
         set(Failed, qtTrId("lumd-apps-request-failed"));
-    else if (!reply.arguments().value(0).toBool())
+    else if (!answer.value)
         set(Failed, qtTrId("lumd-apps-install-explain-refused"));
     else if (!m_isKept)
         set(Installing);

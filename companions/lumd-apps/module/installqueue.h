@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <QDBusMessage>
+#include "client/clienterror.h"
+
 #include <QObject>
-#include <QStringList>
 #include <QUrl>
 
 class LumdService;
@@ -59,7 +59,7 @@ Q_SIGNALS:
 private:
     void begin();
     void hand();
-    void onAnswered(const QDBusMessage &reply);
+    void onAnswered(const Answer<bool> &answer);
     void onFinished(const QString &package, bool isSuccess, const QString &message);
     void onPresence();
     void set(State state, const QString &explanation = {});

@@ -3,20 +3,9 @@
 
 #include "companions/lumd-apps/lumdservice.h"
 
-#include <QDBusArgument>
-#include <QDBusConnection>
-#include <QDBusPendingCallWatcher>
+#include <QGuiApplication>
 
 namespace {
-
-// org.freedesktop.systemd1(5)
-constexpr QLatin1String systemd("org.freedesktop.systemd1");
-constexpr QLatin1String managerPath("/org/freedesktop/systemd1");
-constexpr QLatin1String managerInterface("org.freedesktop.systemd1.Manager");
-constexpr QLatin1String unitPath("/org/freedesktop/systemd1/unit/aliendalvik_2eservice");
-constexpr QLatin1String unitInterface("org.freedesktop.systemd1.Unit");
-constexpr QLatin1String propertiesInterface("org.freedesktop.DBus.Properties");
-constexpr QLatin1String unitFileState("UnitFileState");
 
 RuntimeControl::State stateOf(const QString &unitState, bool isReady)
 {
@@ -36,16 +25,12 @@ RuntimeControl::RuntimeControl(LumdService *service, QObject *parent)
       m_service(service)
 {
     connect(service, &LumdService::presenceChanged, this, &RuntimeControl::stateChanged);
-    connect(service, &LumdService::propertiesChanged, this, &RuntimeControl::stateChanged);
+    connect(service, &LumdService::stateChanged, this, &RuntimeControl::stateChanged);
+    connect(service, &LumdService::stateChanged, this, &RuntimeControl::readStartOnBoot);
     connect(service, &LumdService::answersLateChanged, this, &RuntimeControl::isLateChanged);
-
-    QDBusConnection bus = QDBusConnection::systemBus();
-    bus.connect(systemd, unitPath, propertiesInterface, QStringLiteral("PropertiesChanged"), this,
-        SLOT(onUnitChanged(QString, QVariantMap, QStringList)));
-    // systemd tells without a value when a unit was enabled or disabled.
-    bus.connect(systemd, managerPath, managerInterface, QStringLiteral("UnitFilesChanged"), this,
-        SLOT(readUnit()));
-    readUnit();
+    // Somebody may have enabled or disabled the unit while the user was elsewhere.
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
+        &RuntimeControl::readStartOnBoot);
 }
 
 RuntimeControl::State RuntimeControl::state() const
@@ -62,9 +47,7 @@ RuntimeControl::State RuntimeControl::state() const
     case LumdService::Presence::Present:
         break;
     }
-    const QVariantMap properties = m_service->properties();
-    return stateOf(properties.value(QStringLiteral("RuntimeState")).toString(),
-        properties.value(QStringLiteral("Ready")).toBool());
+    return stateOf(m_service->state().runtimeState, m_service->state().isReady);
 }
 
 QString RuntimeControl::title() const
@@ -122,44 +105,27 @@ bool RuntimeControl::isLate() const
 
 void RuntimeControl::start()
 {
-    m_service->call(QStringLiteral("controlService"), {true});
+    m_service->client().runRuntime(true, m_service->counted<Nothing>(this, [](const auto &) {}));
 }
 
 void RuntimeControl::stop()
 {
-    m_service->call(QStringLiteral("controlService"), {false});
+    m_service->client().runRuntime(false, m_service->counted<Nothing>(this, [](const auto &) {}));
 }
 
 void RuntimeControl::setStartOnBoot(bool isWanted)
 {
-    m_service->call(QStringLiteral("controlServiceAutostart"), {isWanted});
+    // lumd has passed it on to systemd when it answers.
+    m_service->client().setRuntimeOnBoot(
+        isWanted, m_service->counted<Nothing>(this, [this](const auto &) { readStartOnBoot(); }));
 }
 
-void RuntimeControl::readUnit()
+void RuntimeControl::readStartOnBoot()
 {
-    QDBusMessage question = QDBusMessage::createMethodCall(
-        systemd, unitPath, propertiesInterface, QStringLiteral("GetAll"));
-    question << QString(unitInterface);
-    auto *const watcher =
-        new QDBusPendingCallWatcher(QDBusConnection::systemBus().asyncCall(question), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        watcher->deleteLater();
-        onUnit(watcher->reply());
+    if (!isReachable())
+        return;
+    m_service->client().fetchRuntimeOnBoot([this](const Answer<bool> &answer) {
+        m_startOnBoot = answer.error ? std::nullopt : std::make_optional(answer.value);
+        Q_EMIT startOnBootChanged();
     });
-}
-
-void RuntimeControl::onUnit(const QDBusMessage &reply)
-{
-    // Empty for a unit that is not installed, as for an error.
-    const auto properties = qdbus_cast<QVariantMap>(reply.arguments().value(0));
-    m_unitFileState = properties.value(unitFileState).toString();
-    Q_EMIT startOnBootChanged();
-}
-
-void RuntimeControl::onUnitChanged(
-    const QString &interface, const QVariantMap &changed, const QStringList &invalidated)
-{
-    if (interface == unitInterface
-        && (changed.contains(unitFileState) || invalidated.contains(unitFileState)))
-        readUnit();
 }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <QDBusMessage>
 #include <QObject>
-#include <QVariantMap>
+
+#include <optional>
 
 class LumdService;
 
@@ -48,8 +48,8 @@ public:
     bool canStop() const { return state() == Up || state() == Starting; }
     /// lumd keeps a question waiting.
     bool isLate() const;
-    bool knowsStartOnBoot() const { return !m_unitFileState.isEmpty(); }
-    bool startOnBoot() const { return m_unitFileState == QLatin1String("enabled"); }
+    bool knowsStartOnBoot() const { return m_startOnBoot.has_value(); }
+    bool startOnBoot() const { return m_startOnBoot.value_or(false); }
 
     Q_INVOKABLE void start();
     Q_INVOKABLE void stop();
@@ -60,14 +60,9 @@ Q_SIGNALS:
     void isLateChanged();
     void startOnBootChanged();
 
-private Q_SLOTS:
-    void readUnit();
-    void onUnitChanged(
-        const QString &interface, const QVariantMap &changed, const QStringList &invalidated);
-
 private:
-    void onUnit(const QDBusMessage &reply);
+    void readStartOnBoot();
 
     LumdService *m_service;
-    QString m_unitFileState;
+    std::optional<bool> m_startOnBoot;
 };

@@ -70,7 +70,12 @@ Kirigami.ScrollablePage {
             }
         }
 
-        Remark { app: page.app }
+        Notice {
+            objectName: "remark"
+            isProblem: page.app !== null && page.app.isProblem
+            text: !page.app ? "" : page.app.removal === App.Queued ? qsTrId("lumd-apps-remove-queued")
+                : page.app.removal === App.Removing ? qsTrId("lumd-apps-removing") : page.app.remark
+        }
 
         Flow {
             Layout.fillWidth: true

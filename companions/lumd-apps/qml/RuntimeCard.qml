@@ -21,14 +21,10 @@ Controls.Control {
 
     contentItem: ColumnLayout {
         spacing: Kirigami.Units.smallSpacing
-        Kirigami.InlineMessage {
+        Notice {
             objectName: "late"
-            Layout.fillWidth: true
-            visible: Runtime.isLate
-            type: Kirigami.MessageType.Warning
-            text: qsTrId("lumd-apps-late")
-            Accessible.role: Accessible.AlertMessage
-            Accessible.name: text
+            isProblem: true
+            text: Runtime.isLate ? qsTrId("lumd-apps-late") : ""
         }
         RowLayout {
             spacing: Kirigami.Units.largeSpacing

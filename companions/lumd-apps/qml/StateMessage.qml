@@ -14,6 +14,7 @@ ColumnLayout {
     readonly property string title: isTrouble || isWaiting ? Runtime.isReachable ? qsTrId("lumd-apps-reading") : Runtime.title
         : isSearching ? qsTrId("lumd-apps-nothing-found") : qsTrId("lumd-apps-none")
     readonly property string explanation: isTrouble ? Runtime.explanation
+        : !Runtime.isReachable && Runtime.isLate ? qsTrId("lumd-apps-late")
         : isWaiting || isSearching ? "" : qsTrId("lumd-apps-explain-none")
     spacing: Kirigami.Units.largeSpacing
     Accessible.role: Accessible.AlertMessage

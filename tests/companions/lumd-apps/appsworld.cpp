@@ -10,10 +10,12 @@
 #include <QDBusConnection>
 #include <QDir>
 #include <QGuiApplication>
+#include <QMetaEnum>
 #include <QPainter>
 #include <QPalette>
 #include <QQmlContext>
 #include <QQmlEngine>
+#include <QScreen>
 
 #include <csignal>
 
@@ -76,6 +78,15 @@ FakeBinder::Call result(quint32 code, const char *interface, const QByteArray &p
     call.interface = QLatin1String("android.content.pm.") + QLatin1String(interface);
     call.payload = payload;
     return call;
+}
+
+/// Not QQuickWindow's own: the offscreen platform keeps no image for that.
+QImage shot(QQuickWindow *window)
+{
+    return window->screen()
+        ->grabWindow(window->winId())
+        .toImage()
+        .convertToFormat(QImage::Format_RGB32);
 }
 
 bool contains(QAccessibleInterface *interface, const QString &text)
@@ -341,7 +352,7 @@ bool AppsWorld::isReadOut(QQuickWindow *window, const QString &text) const
 
 int AppsWorld::draw(QQuickWindow *window, const QString &name) const
 {
-    const QImage image = window->grabWindow();
+    const QImage image = shot(window);
     const QDir pictures(qEnvironmentVariable("LUMD_PICTURES", QStringLiteral(PICTURES)));
     if (!pictures.mkpath(QStringLiteral(".")) || !image.save(pictures.filePath(name)))
         return 0;
@@ -351,4 +362,12 @@ int AppsWorld::draw(QQuickWindow *window, const QString &name) const
             colours.insert(image.pixel(x, y));
     }
     return int(colours.size());
+}
+
+QString AppsWorld::digest(QQuickWindow *window) const
+{
+    const QImage image = shot(window);
+    return QString::number(
+        qHash(QByteArray::fromRawData(
+            reinterpret_cast<const char *>(image.constBits()), int(image.sizeInBytes()))));
 }

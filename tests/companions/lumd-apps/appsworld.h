@@ -69,6 +69,9 @@ public:
     /// Keeps what the window shows, and gives how many colours it has.
     Q_INVOKABLE int draw(QQuickWindow *window, const QString &name) const;
 
+    /// Changes with what the window shows.
+    Q_INVOKABLE QString digest(QQuickWindow *window) const;
+
 public Q_SLOTS:
     void qmlEngineAvailable(QQmlEngine *engine);
 

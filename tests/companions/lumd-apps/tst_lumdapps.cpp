@@ -6,6 +6,7 @@
 #include "tests/support/testnamespace.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QProcess>
 #include <QtQuickTest>
 
@@ -65,6 +66,9 @@ int run(const QString &name, const Function &function, char *program)
     qputenv("QT_QUICK_BACKEND", "software");
     qputenv("QML_DISABLE_DISK_CACHE", "1");
     TestNamespace::enter();
+    QDir().mkpath(QStringLiteral("/run/user/0"));
+    QFile::setPermissions(QStringLiteral("/run/user/0"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    qputenv("XDG_RUNTIME_DIR", "/run/user/0");
 
     Window::setUpStyle();
     QByteArray input = function.file.toUtf8();
