@@ -35,6 +35,9 @@ public:
     /// no link.
     GBinderClient *client();
 
+    /// Whether there is a link, without connecting for the answer.
+    bool isConnected() const { return m_client != nullptr; }
+
     /// The name under which the service is registered.
     const char *name() const { return m_serviceName; }
 

@@ -79,7 +79,7 @@ void AlienPackageManager::installPackage(const QString &path, bool silent)
     call.transact(installPackageSdk27);
 }
 
-void AlienPackageManager::deletePackage(const QString &packageName, bool silent)
+bool AlienPackageManager::deletePackage(const QString &packageName, bool silent)
 {
     ClientCall call(client());
     call.parcel().writeString(packageName);
@@ -87,7 +87,11 @@ void AlienPackageManager::deletePackage(const QString &packageName, bool silent)
     call.parcel().writeLocalObject(silent ? nullptr : m_deleteObserver.get());
     call.parcel().writeInt32(androidUser);
     call.parcel().writeInt32(deleteFlags);
-    call.transact(deletePackageCodes);
+    GBinderRemoteReply *const reply = call.transact(deletePackageCodes);
+    qint32 exception = 0;
+    if (reply)
+        gbinder_remote_reply_read_int32(reply, &exception);
+    return reply && call.status() == 0 && exception == 0;
 }
 
 void AlienPackageManager::deleteApplicationCacheFiles(const QString &packageName)

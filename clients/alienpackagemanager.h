@@ -15,8 +15,8 @@ public:
 
     /// Installs the apk at @p path, as the runtime sees it. A @p silent request has no result.
     void installPackage(const QString &path, bool silent);
-    /// A @p silent request has no result.
-    void deletePackage(const QString &packageName, bool silent);
+    /// A @p silent request has no result. True when the runtime took the request.
+    bool deletePackage(const QString &packageName, bool silent);
     void deleteApplicationCacheFiles(const QString &packageName);
     void clearApplicationUserData(const QString &packageName);
 

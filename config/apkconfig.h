@@ -37,6 +37,10 @@ public:
     /// fixed for the life of the process.
     static qint32 sdkVersion();
 
+    /// The same for whom it is no trouble that it cannot be found: says nothing, and what is
+    /// read here is not fixed.
+    static qint32 knownSdkVersion();
+
 private:
     QString m_dataRoot;
 };

@@ -45,3 +45,10 @@ qint32 ApkConfig::sdkVersion()
         qCCritical(configLog) << "Cannot find sdk version in" << runtimeDir << "build properties";
     return cachedSdkVersion;
 }
+
+qint32 ApkConfig::knownSdkVersion()
+{
+    return cachedSdkVersion != 0
+        ? cachedSdkVersion
+        : readSdkVersion(QLatin1String(runtimeDir) + QLatin1String("/build.prop"));
+}

@@ -4,6 +4,7 @@
 #include "clients/alienservicemonitor.h"
 #include "config/apkconfig.h"
 #include "config/launchernames.h"
+#include "daemon/introspection.h"
 #include "daemon/logging.h"
 #include "daemon/lumdaemonadaptor.h"
 #include "runtime/servicecontroller.h"
@@ -21,6 +22,14 @@ namespace {
 
 constexpr char objectPath[] = "/com/tovra/lumd";
 constexpr char busName[] = "com.tovra.lumd";
+
+void registerObject(QDBusConnection &bus, const char *path, QObject *object)
+{
+    if (!bus.registerObject(QLatin1String(path), object, QDBusConnection::ExportAdaptors)) {
+        qCCritical(daemonLog) << "Cannot register object at " << path;
+        std::exit(EXIT_FAILURE);
+    }
+}
 
 void removeStaleFiles(const QDir &dir)
 {
@@ -48,6 +57,8 @@ LumDaemon::LumDaemon(ApkConfig *config)
     // Behind the name, which a second instance does not get: what it emits stays off the bus. Not
     // too late, since no call arrives before the event loop runs.
     new LumDaemonAdaptor(this);
+    new Introspection(this);
+    connectMonitor();
 }
 
 void LumDaemon::connectMembers()
@@ -80,10 +91,8 @@ void LumDaemon::prepareFolders()
 void LumDaemon::claimBus()
 {
     QDBusConnection bus = QDBusConnection::systemBus();
-    if (!bus.registerObject(QLatin1String(objectPath), this, QDBusConnection::ExportAdaptors)) {
-        qCCritical(daemonLog) << "Cannot register object at " << objectPath;
-        std::exit(EXIT_FAILURE);
-    }
+    registerObject(bus, objectPath, this);
+    registerObject(bus, Monitor::objectPath, &m_monitor);
     if (!bus.registerService(QLatin1String(busName))) {
         qCCritical(daemonLog) << "Cannot register D-Bus service at" << busName;
         std::exit(EXIT_FAILURE);

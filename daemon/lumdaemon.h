@@ -9,6 +9,7 @@
 #include "clients/alientimezonemonitor.h"
 #include "clients/appsizeinfo.h"
 #include "daemon/datausage.h"
+#include "daemon/monitor.h"
 #include "daemon/packagemod.h"
 #include "daemon/upgradenotices.h"
 #include "daemon/windowwait.h"
@@ -106,6 +107,7 @@ private:
     using Reply = std::function<void(const QVariantList &results)>;
 
     void connectMembers();
+    void connectMonitor();
     void prepareFolders();
     void claimBus();
 
@@ -127,12 +129,17 @@ private:
     bool isReadyForPackageMods();
     void processDeferredMods();
 
+    /// For those who follow: that a request was kept, and what has become of the monitor's
+    /// properties.
+    void tellQueued(const char *kind, const QString &what);
+    void updateMonitor();
+
     /// For the call that is being served, which is answered when the result is called. That
     /// does nothing for a call from inside the process.
     Reply replyLater() const;
 
     void drainDeferredLaunches();
-    void queueIntent(const AlienIntent &intent);
+    void queueIntent(const AlienIntent &intent, const QString &what);
     void launchQueuedIntents();
     void notifyLaunchPending(const QString &package);
 
@@ -145,6 +152,7 @@ private:
     AlienTimezoneMonitor m_tzMonitor;
     AlienDeviceIdle m_deviceIdle;
     DesktopManager m_desktopManager;
+    Monitor m_monitor{m_desktopManager};
     ServiceController *m_serviceController;
     QStringList m_spareList; // unused; it keeps its place among the members
     ApkConfig *m_config;

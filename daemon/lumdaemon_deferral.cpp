@@ -19,7 +19,9 @@ void LumDaemon::triggerPackageMod(const PackageMod &mod)
         m_packageManager.installPackage(mod.filename, mod.silent);
     } else {
         qCDebug(daemonLog) << "Uninstalling" << mod.filename;
-        m_packageManager.deletePackage(mod.filename, mod.silent);
+        m_monitor.awaitRemoval(mod.filename);
+        if (!m_packageManager.deletePackage(mod.filename, mod.silent))
+            m_monitor.tellRemoveFinished(mod.filename, false);
     }
 }
 
@@ -34,6 +36,7 @@ void LumDaemon::processDeferredMods()
         triggerPackageMod(mod);
         handled.insert(mod.filename);
     }
+    updateMonitor();
 }
 
 // Whichever comes up last, the runtime's own service or the package manager, releases the

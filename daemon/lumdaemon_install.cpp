@@ -120,6 +120,7 @@ bool LumDaemon::installFile(const QString &filename, PackageSource source)
     } else {
         qCDebug(daemonLog) << "Aliendalvik not running. Saving " << mod.filename << " for later";
         m_deferredMods.append(mod);
+        tellQueued("install", filename);
     }
     return true;
 }

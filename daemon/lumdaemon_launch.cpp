@@ -7,6 +7,8 @@
 #include "daemon/intentextras.h"
 #include "daemon/logging.h"
 
+#include <QScopeGuard>
+
 namespace {
 
 constexpr char mainAction[] = "android.intent.action.MAIN";
@@ -39,6 +41,7 @@ void LumDaemon::launchApp(const QString &packageName)
     qCDebug(daemonLog) << "Starting Alien to launch" << packageName;
     notifyLaunchPending(packageName);
     m_deferredLaunches.append(packageName);
+    tellQueued("launch", packageName);
 }
 
 void LumDaemon::drainDeferredLaunches()
@@ -49,6 +52,7 @@ void LumDaemon::drainDeferredLaunches()
                            << " more in queue)";
         AlienServiceMonitor::instance()->launchPackage(package);
     }
+    updateMonitor();
 }
 
 void LumDaemon::launchIntent(const QString &action, const QString &data, const QString &type,
@@ -76,7 +80,7 @@ void LumDaemon::launchIntent(const QString &action, const QString &data, const Q
     if (!category.isEmpty())
         intent.categories.append(category);
     intent.extras = withoutDescriptors(extras);
-    queueIntent(intent);
+    queueIntent(intent, data.isEmpty() ? action : data);
 }
 
 void LumDaemon::openAppSettings(const QString &packageName)
@@ -87,28 +91,34 @@ void LumDaemon::openAppSettings(const QString &packageName)
         settingsIntent(QStringLiteral("android.settings.APPLICATION_DETAILS_SETTINGS"));
     intent.data.setScheme(QStringLiteral("package"));
     intent.data.setPath(packageName, QUrl::DecodedMode);
-    queueIntent(intent);
+    queueIntent(intent, intent.data.toString());
 }
 
 void LumDaemon::viewLicenses()
 {
     startServiceIfNeeded();
     qCDebug(daemonLog) << "Opening legal information settings page";
-    queueIntent(settingsIntent(QStringLiteral("android.settings.LEGAL_INFO")));
+    const AlienIntent intent = settingsIntent(QStringLiteral("android.settings.LEGAL_INFO"));
+    queueIntent(intent, intent.action);
 }
 
-void LumDaemon::queueIntent(const AlienIntent &intent)
+void LumDaemon::queueIntent(const AlienIntent &intent, const QString &what)
 {
     m_intentQueue.append(intent);
-    if (!m_activityManager.client())
+    if (!m_activityManager.client()) {
         notifyLaunchPending(intent.package);
-    else if (!m_intentQueueBusy)
+        tellQueued("intent", what);
+    } else if (!m_intentQueueBusy) {
         launchQueuedIntents();
+    } else {
+        updateMonitor();
+    }
 }
 
 void LumDaemon::launchQueuedIntents()
 {
     m_intentQueueBusy = true;
+    const auto toldAtTheEnd = qScopeGuard([this] { updateMonitor(); });
     // What is still queued when the service has gone waits for its return.
     while (!m_intentQueue.isEmpty() && m_activityManager.client()) {
         const AlienIntent intent = m_intentQueue.takeFirst();

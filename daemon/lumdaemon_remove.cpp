@@ -62,6 +62,7 @@ bool LumDaemon::removeFile(const QString &filename)
     } else {
         qCDebug(daemonLog) << "Aliendalvik not running. Will remove " << mod.filename << " later";
         m_deferredMods.append(mod);
+        tellQueued("remove", mod.filename);
     }
 
     QFile::remove(unversionedApkPath(QDir(QLatin1String(Paths::partnerSpace)), resolved));

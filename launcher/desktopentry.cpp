@@ -9,6 +9,8 @@
 #include <QFile>
 #include <QSaveFile>
 
+#include <utility>
+
 namespace {
 
 constexpr char groupHeader[] = "[Desktop Entry]";
@@ -51,8 +53,12 @@ DesktopEntry::DesktopEntry(const QString &fileName) : m_fileName(fileName)
 
 DesktopEntry::~DesktopEntry()
 {
-    if (m_isDirty)
-        save();
+    commit();
+}
+
+bool DesktopEntry::commit()
+{
+    return std::exchange(m_isDirty, false) && save();
 }
 
 template <typename Visitor> void DesktopEntry::readLines(std::string_view text, Visitor visit)
@@ -129,6 +135,12 @@ QString DesktopEntry::readValue(const QString &fileName, const char *key)
     return DesktopEntry(fileName).value(QLatin1String(key));
 }
 
+bool DesktopEntry::contains(const QString &key) const
+{
+    const QByteArray name = key.toUtf8();
+    return find(Utf8::view(name)) != m_lines.cend();
+}
+
 void DesktopEntry::setValue(const QString &key, const QString &value)
 {
     const QByteArray name = key.toUtf8();
@@ -161,13 +173,13 @@ void DesktopEntry::setAll(const QByteArray &text)
     readLines(Utf8::view(text), [this](const Line &line) { set(line); });
 }
 
-void DesktopEntry::save() const
+bool DesktopEntry::save() const
 {
     qCDebug(launcherLog) << "Updating:" << m_fileName;
     QSaveFile file(m_fileName);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
         qCWarning(launcherLog) << "Could not open" << m_fileName << "for writing";
-        return;
+        return false;
     }
     QByteArray bytes(groupHeaderLine);
     for (const Line &line : m_lines)
@@ -175,6 +187,8 @@ void DesktopEntry::save() const
     // The commit alone would put a file in place that a full disk has cut short.
     if (file.write(bytes) != bytes.size() || !file.flush())
         file.cancelWriting();
-    if (!file.commit())
-        qCWarning(launcherLog) << "Could not write desktop file" << m_fileName;
+    if (file.commit())
+        return bytes != m_loaded;
+    qCWarning(launcherLog) << "Could not write desktop file" << m_fileName;
+    return false;
 }

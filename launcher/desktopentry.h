@@ -16,8 +16,7 @@ class DesktopEntry
 {
 public:
     explicit DesktopEntry(const QString &fileName);
-    /// Replaces the file in one step when anything has changed. A failure is logged, the old
-    /// file stays and the change is lost.
+    /// Saves what has changed since commit().
     ~DesktopEntry();
 
     Q_DISABLE_COPY_MOVE(DesktopEntry)
@@ -27,6 +26,7 @@ public:
 
     /// The value of @p key. A null string, with a warning, when the entry lacks it.
     QString value(const QString &key) const;
+    bool contains(const QString &key) const;
     /// The same for the entry in the file @p fileName, without making an object of the rest.
     /// @p key is plain ASCII.
     static QString readValue(const QString &fileName, const char *key);
@@ -37,6 +37,10 @@ public:
     bool isSavedAs(const QByteArray &text) const { return !m_isDirty && m_loaded == text; }
     /// Sets every key of @p text, an entry as it is saved.
     void setAll(const QByteArray &text);
+
+    /// Replaces the file in one step when anything was set. A failure is logged, the old file
+    /// stays and the change is lost. True when the file holds something else than before.
+    bool commit();
 
 private:
     struct Line
@@ -54,7 +58,7 @@ private:
     void insert(const Line &line) const; // in the place of one of the same key
     Lines::const_iterator find(std::string_view key) const;
     void set(const Line &line);
-    void save() const;
+    bool save() const;
 
     const QString m_fileName;
     // What the lines are views of: the file, and what has been set since.

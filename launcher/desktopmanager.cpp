@@ -24,6 +24,7 @@ constexpr char fixedBlacklist[] = "/etc/lumd/app-blacklist";
 // Keys that are both written and asked for. The X-lumd ones are this daemon's own, the
 // others freedesktop's.
 constexpr char nameKey[] = "Name";
+constexpr char iconKey[] = "Icon";
 constexpr char noDisplayKey[] = "NoDisplay";
 constexpr char packageNameKey[] = "X-lumd-packageName";
 
@@ -49,10 +50,24 @@ bool isPartnerSpacePackage(const QString &packageName)
         : fileExists(folder % packageName % suffix);
 }
 
-void writeIcon(const QString &iconPath, const QByteArray &icon)
+bool writeIcon(const QString &iconPath, const QByteArray &icon)
 {
-    if (!writeFile(iconPath, icon))
-        qCWarning(launcherLog) << "Unable to write icon:" << iconPath;
+    if (writeFile(iconPath, icon))
+        return true;
+    qCWarning(launcherLog) << "Unable to write icon:" << iconPath;
+    return false;
+}
+
+InstalledLauncher readLauncher(const QString &desktopPath)
+{
+    const DesktopEntry entry(desktopPath);
+    const auto value = [&entry](const char *key) {
+        const QString name = QLatin1String(key);
+        return entry.contains(name) ? entry.value(name) : QString();
+    };
+    return {desktopPath, value(nameKey), value(iconKey),
+        settingsEntryVersion(settingsEntryPathFor(desktopPath)),
+        value(noDisplayKey) == QLatin1String("true")};
 }
 
 } // namespace
@@ -99,6 +114,16 @@ QMap<QString, QStringList> DesktopManager::installedLaunchers() const
     for (const Installed &each : scan())
         installed[each.packageName].append(each.path);
     return installed;
+}
+
+QMap<QString, QVector<InstalledLauncher>> DesktopManager::launcherDetails() const
+{
+    QMap<QString, QVector<InstalledLauncher>> details;
+    for (const Installed &each : scan()) {
+        if (!each.packageName.isEmpty())
+            details[each.packageName].append(readLauncher(each.path));
+    }
+    return details;
 }
 
 QStringList DesktopManager::desktopFiles() const
@@ -166,17 +191,21 @@ void DesktopManager::onCreateLauncher(const ApkLauncher &launcher)
     }
 
     qCDebug(launcherLog) << "iconfilename:" << iconPath;
-    if (entry.isNew() || fileDiffers(iconPath, launcher.icon))
-        writeIcon(iconPath, launcher.icon);
+    bool hasChanged = (entry.isNew() || fileDiffers(iconPath, launcher.icon))
+        && writeIcon(iconPath, launcher.icon);
 
     if (isPartnerSpacePackage(launcher.packageName)) {
         entry.setValue(QLatin1String(noDisplayKey), QStringLiteral("true"));
         entry.setValue(QStringLiteral("Categories"), QStringLiteral("X-QuillfinPartnerSpace"));
     }
 
-    writeSettingsEntry(name, launcher.packageName, launcher.packageVersion);
+    hasChanged |= writeSettingsEntry(name, launcher.packageName, launcher.packageVersion);
     if (entry.isNew())
         Q_EMIT newApplicationInstalled(launcher);
+    const bool isSaved = entry.commit();
+    if (isSaved || (hasChanged && !entry.isNew()))
+        Q_EMIT launcherChanged(desktopPath, launcher.packageName,
+            withoutControlCharacters(launcher.caption), iconPath);
 }
 
 QByteArray DesktopManager::entryText(
@@ -199,9 +228,7 @@ QByteArray DesktopManager::entryText(
 void DesktopManager::onRemovePackage(const QString &package)
 {
     qCDebug(launcherLog) << "onRemovePackage:" << package;
-    const QStringList paths = installedLaunchers().value(package);
-    for (const QString &path : paths)
-        deleteLauncher(path);
+    removeLaunchers(installedLaunchers().value(package), package);
     m_announced.removePackage(package);
 }
 
@@ -212,19 +239,25 @@ void DesktopManager::onLaunchersComplete()
         if (!m_announced.haveEntry(each.path))
             stale[each.packageName].append(each.path);
     }
-    for (const QStringList &paths : qAsConst(stale)) {
-        for (const QString &path : paths)
-            deleteLauncher(path);
-    }
+    for (auto each = stale.constBegin(); each != stale.constEnd(); ++each)
+        removeLaunchers(each.value(), each.key());
     if (!m_isSwept)
         removeLeftovers();
     m_isSwept = true;
 }
 
-void DesktopManager::deleteLauncher(const QString &desktopPath)
+void DesktopManager::removeLaunchers(const QStringList &desktopPaths, const QString &package)
+{
+    for (const QString &path : desktopPaths) {
+        if (deleteLauncher(path))
+            Q_EMIT launcherGone(path, package);
+    }
+}
+
+bool DesktopManager::deleteLauncher(const QString &desktopPath)
 {
     qCDebug(launcherLog) << "Deleting:" << desktopPath;
-    removeFile(desktopPath);
+    const bool isGone = removeFile(desktopPath);
 
     const QString iconPath = iconPathFor(desktopPath);
     qCDebug(launcherLog) << "Deleting:" << iconPath;
@@ -233,4 +266,5 @@ void DesktopManager::deleteLauncher(const QString &desktopPath)
     const QString settingsPath = settingsEntryPathFor(desktopPath);
     if (QFile::exists(settingsPath))
         removeFile(settingsPath);
+    return isGone;
 }

@@ -8,8 +8,19 @@
 #include <QMap>
 #include <QObject>
 #include <QStringList>
+#include <QVector>
 
 #include <vector>
+
+/// A launcher as its files have it.
+struct InstalledLauncher
+{
+    QString desktopPath;
+    QString name; ///< shown to the user
+    QString icon;
+    QString version; ///< of the package; empty when there is no settings entry
+    bool isHidden = false; ///< from the home screen's grid
+};
 
 /// Keeps the session's application list in step with the launchers that the Android runtime
 /// announces: for each a desktop entry, an icon and a settings entry. The files are the only
@@ -29,6 +40,8 @@ public:
 
     /// The generated desktop entries on disk: package name to paths.
     QMap<QString, QStringList> installedLaunchers() const;
+    /// The same with what the files tell, without entries that name no package.
+    QMap<QString, QVector<InstalledLauncher>> launcherDetails() const;
     /// The paths of all generated desktop entries.
     QStringList desktopFiles() const;
     /// The packages that have a generated desktop entry.
@@ -40,12 +53,18 @@ public:
     /// The name shown for @p package, or @p package itself when it has no desktop entry.
     QString appName(const QString &package) const;
 
-    /// Removes the desktop entry @p desktopPath with its icon and its settings entry.
-    void deleteLauncher(const QString &desktopPath);
+    /// Removes the desktop entry @p desktopPath with its icon and its settings entry. False when
+    /// the entry is still there.
+    bool deleteLauncher(const QString &desktopPath);
 
 Q_SIGNALS:
     /// A launcher that had no desktop entry. Emitted before the entry is on disk.
     void newApplicationInstalled(const ApkLauncher &launcher);
+    /// One of a launcher's files holds something else than before. All are on disk.
+    void launcherChanged(const QString &desktopPath, const QString &package, const QString &name,
+        const QString &icon);
+    /// A desktop entry has been removed.
+    void launcherGone(const QString &desktopPath, const QString &package);
 
 public Q_SLOTS:
     /// A launcher is refused, with a warning, when it has no caption or when its package or
@@ -65,6 +84,7 @@ private:
 
     void readBlacklist(const QString &path);
     std::vector<Installed> scan() const;
+    void removeLaunchers(const QStringList &desktopPaths, const QString &package);
     // What the entry is that holds nothing but the launcher's own keys.
     QByteArray entryText(const ApkLauncher &launcher, const QString &iconPath, bool isHidden) const;
 

@@ -170,8 +170,10 @@ bool writeFile(const QString &path, const QByteArray &bytes)
     return file.commit();
 }
 
-void removeFile(const QString &path)
+bool removeFile(const QString &path)
 {
-    if (!QFile::remove(path))
-        qCWarning(launcherLog) << "Could not remove:" << path;
+    if (QFile::remove(path))
+        return true;
+    qCWarning(launcherLog) << "Could not remove:" << path;
+    return false;
 }

@@ -29,5 +29,5 @@ bool fileDiffers(const QString &path, const QByteArray &bytes);
 /// stays.
 bool writeFile(const QString &path, const QByteArray &bytes);
 
-/// Removes the file at @p path. A failure is logged.
-void removeFile(const QString &path);
+/// Removes the file at @p path. A failure is logged, and gives false.
+bool removeFile(const QString &path);

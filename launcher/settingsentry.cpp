@@ -66,11 +66,24 @@ QByteArray settingsDocument(
 
 } // namespace
 
-void writeSettingsEntry(
+bool writeSettingsEntry(
     const QString &name, const QString &packageName, const QString &packageVersion)
 {
     const QString path = QLatin1String(Paths::settingsEntries) % name % QLatin1String(".json");
     const QByteArray document = settingsDocument(name, packageName, packageVersion);
-    if (fileDiffers(path, document) && !writeFile(path, document))
-        qCWarning(launcherLog) << "Unable to write json file" << path << "for writing";
+    if (!fileDiffers(path, document))
+        return false;
+    if (writeFile(path, document))
+        return true;
+    qCWarning(launcherLog) << "Unable to write json file" << path << "for writing";
+    return false;
+}
+
+QString settingsEntryVersion(const QString &path)
+{
+    const QByteArray document = readFile(path).value_or(QByteArray());
+    const QJsonValue entry = QJsonDocument::fromJson(document)[QLatin1String("entries")][0];
+    return entry[QLatin1String("params")][QLatin1String("properties")]
+                [QLatin1String("packageVersion")]
+                    .toString();
 }
