@@ -7,9 +7,7 @@
 #include <algorithm>
 
 App::App(const AndroidApp &app, LumdService *service, QObject *parent)
-    : QObject(parent),
-      m_service(service),
-      m_package(app.package)
+    : QObject(parent), m_service(service), m_package(app.package)
 {
     const LumdClient *const client = &service->client();
     connect(client, &LumdClient::startOnBootChanged, this,
@@ -17,8 +15,8 @@ App::App(const AndroidApp &app, LumdService *service, QObject *parent)
             if (package == m_package)
                 setStartOnBootKnown(isAllowed);
         });
-    connect(client, &LumdClient::requestQueued, this,
-        [this](const QString &kind, const QString &what) {
+    connect(
+        client, &LumdClient::requestQueued, this, [this](const QString &kind, const QString &what) {
             if (kind == QLatin1String("remove") && what == m_package)
                 setRemoval(Queued);
         });
@@ -29,6 +27,7 @@ App::App(const AndroidApp &app, LumdService *service, QObject *parent)
         if (!isDone)
             setRemark(qtTrId("lumd-apps-remove-failed"), true);
     });
+    connect(service, &LumdService::stateChanged, this, &App::onState);
     update(app);
 }
 
@@ -163,13 +162,22 @@ void App::request(Operation operation, const QString &doneRemark)
     (m_service->client().*operation)(m_package, m_service->counted<Nothing>(this, done));
 }
 
+void App::onState()
+{
+    // Nothing is heard of a removal whose runtime went away in the middle.
+    if (m_removal == Removing && !m_service->isRuntimeReady())
+        setRemoval(Installed);
+    else if (m_removal == Queued && m_service->isRuntimeReady())
+        setRemoval(Removing);
+}
+
 void App::onRemoveAnswered(const Answer<bool> &answer)
 {
     if (!answer.error && answer.value)
         return;
     setRemoval(Installed);
-    setRemark(answer.error ? qtTrId("lumd-apps-request-failed")
-                           : qtTrId("lumd-apps-remove-refused"),
+    setRemark(
+        answer.error ? qtTrId("lumd-apps-request-failed") : qtTrId("lumd-apps-remove-refused"),
         true);
 }
 

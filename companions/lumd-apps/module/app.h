@@ -106,6 +106,7 @@ private:
     using Operation = void (LumdClient::*)(const QString &, const Done<Nothing> &);
 
     void request(Operation operation, const QString &doneRemark);
+    void onState();
     void onRemoveAnswered(const Answer<bool> &answer);
     void setRemoval(Removal removal);
     void setRemark(const QString &remark, bool isProblem);

@@ -12,8 +12,7 @@ constexpr int collectingTime = 200; // milliseconds
 } // namespace
 
 AppList::AppList(LumdService *service, QObject *parent)
-    : QAbstractListModel(parent),
-      m_service(service)
+    : QAbstractListModel(parent), m_service(service)
 {
     m_readSoon.setSingleShot(true);
     m_readSoon.setInterval(collectingTime);
@@ -80,7 +79,7 @@ void AppList::onPresence()
 
 void AppList::onState()
 {
-    const bool isReady = m_service->state().isReady;
+    const bool isReady = m_service->isRuntimeReady();
     if (isReady == m_wasReady)
         return;
     m_wasReady = isReady;
@@ -97,14 +96,13 @@ void AppList::read()
     }
     m_isReading = true;
     using Apps = QVector<AndroidApp>;
-    m_service->client().listApps(
-        m_service->counted<Apps>(this, [this](const Answer<Apps> &answer) {
-            m_isReading = false;
-            if (answer.error || m_service->presence() != LumdService::Presence::Present)
-                return;
-            take(answer.value);
-            setRead(true);
-        }));
+    m_service->client().listApps(m_service->counted<Apps>(this, [this](const Answer<Apps> &answer) {
+        m_isReading = false;
+        if (answer.error || m_service->presence() != LumdService::Presence::Present)
+            return;
+        take(answer.value);
+        setRead(true);
+    }));
 }
 
 void AppList::take(const QVector<AndroidApp> &apps)
@@ -204,7 +202,8 @@ void AppList::askNextSizes()
         m_service->client().fetchSize(app->package(),
             m_service->counted<AppSize>(this, [this, app](const Answer<AppSize> &answer) {
                 m_isAskingSizes = false;
-                if (app && !answer.error)
+                // One that was on its way when the runtime went down is none any more.
+                if (app && !answer.error && m_service->isRuntimeReady())
                     app->setSizes(answer.value);
                 askNextSizes();
             }));

@@ -3,8 +3,7 @@
 
 #include "companions/lumd-apps/applist.h"
 
-AppOrder::AppOrder(QAbstractItemModel *apps, QObject *parent)
-    : QSortFilterProxyModel(parent)
+AppOrder::AppOrder(QAbstractItemModel *apps, QObject *parent) : QSortFilterProxyModel(parent)
 {
     setSourceModel(apps);
     setSortRole(AppList::NameRole);

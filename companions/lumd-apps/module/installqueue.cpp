@@ -7,8 +7,7 @@
 #include <QFileInfo>
 
 InstallQueue::InstallQueue(LumdService *service, QObject *parent)
-    : QObject(parent),
-      m_service(service)
+    : QObject(parent), m_service(service)
 {
     connect(&service->client(), &LumdClient::installFinished, this, &InstallQueue::onFinished);
     connect(service, &LumdService::presenceChanged, this, &InstallQueue::onPresence);
@@ -20,7 +19,7 @@ InstallQueue::InstallQueue(LumdService *service, QObject *parent)
             }
         });
     connect(service, &LumdService::stateChanged, this, [this] {
-        if (m_state == Waiting && m_service->state().isReady)
+        if (m_state == Waiting && m_service->isRuntimeReady())
             set(Installing);
     });
 }
@@ -132,8 +131,9 @@ void InstallQueue::onPresence()
         return;
     case LumdService::Presence::Absent:
         if (isBusy())
-            set(Failed, m_isHanded ? qtTrId("lumd-apps-install-explain-lost")
-                                   : qtTrId("lumd-apps-explain-no-daemon"));
+            set(Failed,
+                m_isHanded ? qtTrId("lumd-apps-install-explain-lost")
+                           : qtTrId("lumd-apps-explain-no-daemon"));
         return;
     case LumdService::Presence::Refused:
         if (isBusy())

@@ -37,7 +37,8 @@ LumdService::LumdService(QObject *parent) : QObject(parent)
         Q_EMIT answersLateChanged();
     });
     connect(&m_client, &LumdClient::daemonAppeared, this, &LumdService::ask);
-    connect(&m_client, &LumdClient::daemonVanished, this, [this] { setPresence(Presence::Absent); });
+    connect(
+        &m_client, &LumdClient::daemonVanished, this, [this] { setPresence(Presence::Absent); });
     connect(&m_client, &LumdClient::stateChanged, this, [this](const DaemonState &state) {
         m_state = state;
         Q_EMIT stateChanged();
@@ -53,8 +54,8 @@ LumdService::LumdService(QObject *parent) : QObject(parent)
 
 void LumdService::ask()
 {
-    m_client.fetchState(counted<DaemonState>(
-        this, [this](const Answer<DaemonState> &answer) { onState(answer); }));
+    m_client.fetchState(
+        counted<DaemonState>(this, [this](const Answer<DaemonState> &answer) { onState(answer); }));
 }
 
 void LumdService::onState(const Answer<DaemonState> &answer)

@@ -29,6 +29,8 @@ public:
     Presence presence() const { return m_presence; }
     /// Of no meaning unless present.
     const DaemonState &state() const { return m_state; }
+    /// The runtime is up, and package changes are handed over to it at once.
+    bool isRuntimeReady() const { return m_state.isRuntimeUp() && m_state.isReady; }
     /// A call has had no answer for five seconds.
     bool answersLate() const { return m_answersLate; }
 

@@ -23,7 +23,7 @@ QChar visible(QChar character)
     if (code == 0x7f)
         return QChar(deletePicture);
     return (code >= 0x80 && code < 0xa0) || code == 0x2028 || code == 0x2029 ? QChar(anyOther)
-                                                                              : character;
+                                                                             : character;
 }
 
 } // namespace

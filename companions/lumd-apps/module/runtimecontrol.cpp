@@ -21,16 +21,15 @@ RuntimeControl::State stateOf(const QString &unitState, bool isReady)
 } // namespace
 
 RuntimeControl::RuntimeControl(LumdService *service, QObject *parent)
-    : QObject(parent),
-      m_service(service)
+    : QObject(parent), m_service(service)
 {
     connect(service, &LumdService::presenceChanged, this, &RuntimeControl::stateChanged);
     connect(service, &LumdService::stateChanged, this, &RuntimeControl::stateChanged);
     connect(service, &LumdService::stateChanged, this, &RuntimeControl::readStartOnBoot);
     connect(service, &LumdService::answersLateChanged, this, &RuntimeControl::isLateChanged);
     // Somebody may have enabled or disabled the unit while the user was elsewhere.
-    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
-        &RuntimeControl::readStartOnBoot);
+    connect(
+        qGuiApp, &QGuiApplication::applicationStateChanged, this, &RuntimeControl::readStartOnBoot);
 }
 
 RuntimeControl::State RuntimeControl::state() const

@@ -10,7 +10,9 @@ Kirigami.AbstractListItem {
     required property App app
     required property int index
     objectName: "app-" + app.package
-    highlighted: ListView.isCurrentItem && ListView.view.activeFocus
+    highlighted: ListView.isCurrentItem && (ListView.view.activeFocus || isOpen)
+    // Its page stands beside the list.
+    readonly property bool isOpen: applicationWindow().pageStack.wideMode && applicationWindow().pageStack.depth > 1
     Accessible.role: Accessible.ListItem
     Accessible.name: app.name
     Accessible.description: app.sizeText

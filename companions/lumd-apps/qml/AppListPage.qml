@@ -12,25 +12,16 @@ Kirigami.ScrollablePage {
 
     signal appChosen(App app)
 
-    header: RuntimeCard {
-        visible: Runtime.isReachable
-        height: visible ? implicitHeight : 0
-    }
-
-    titleDelegate: RowLayout {
-        spacing: Kirigami.Units.largeSpacing
-        Kirigami.Heading {
-            objectName: "title"
+    header: ColumnLayout {
+        spacing: 0
+        RuntimeCard {
             Layout.fillWidth: true
-            text: page.title
-            elide: Text.ElideRight
-            visible: !search.visible || parent.width > Kirigami.Units.gridUnit * 18
+            visible: Runtime.isReachable
         }
         Kirigami.SearchField {
-            id: search
             objectName: "search"
             Layout.fillWidth: true
-            Layout.maximumWidth: Kirigami.Units.gridUnit * 14
+            Layout.margins: Kirigami.Units.largeSpacing
             visible: AppList.count > 0
             placeholderText: qsTrId("lumd-apps-search")
             Accessible.name: qsTrId("lumd-apps-search")
@@ -42,7 +33,6 @@ Kirigami.ScrollablePage {
         id: list
         objectName: "list"
         model: Apps
-        reuseItems: true
         currentIndex: -1
         activeFocusOnTab: count > 0
         keyNavigationEnabled: true
@@ -51,7 +41,10 @@ Kirigami.ScrollablePage {
         Accessible.name: qsTrId("lumd-apps-title")
 
         delegate: AppDelegate {
-            onClicked: page.appChosen(app)
+            onClicked: {
+                list.currentIndex = index
+                page.appChosen(app)
+            }
         }
 
         StateMessage {

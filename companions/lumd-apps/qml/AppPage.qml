@@ -29,6 +29,22 @@ Kirigami.ScrollablePage {
     // It has been removed.
     onAppChanged: if (!app) leave()
 
+    titleDelegate: RowLayout {
+        Controls.ToolButton {
+            objectName: "back"
+            visible: !applicationWindow().pageStack.wideMode
+            icon.name: LayoutMirroring.enabled ? "go-previous-symbolic-rtl" : "go-previous-symbolic"
+            Accessible.name: qsTrId("lumd-apps-back")
+            onClicked: page.leave()
+        }
+        Kirigami.Heading {
+            objectName: "detailsTitle"
+            Layout.fillWidth: true
+            text: page.title
+            elide: Text.ElideRight
+        }
+    }
+
     ColumnLayout {
         visible: page.app !== null
         spacing: Kirigami.Units.largeSpacing
@@ -81,6 +97,7 @@ Kirigami.ScrollablePage {
             Layout.fillWidth: true
             spacing: Kirigami.Units.smallSpacing
             Controls.Button {
+                Accessible.name: text
                 objectName: "launch"
                 text: qsTrId("lumd-apps-launch")
                 icon.name: "media-playback-start"
@@ -89,6 +106,7 @@ Kirigami.ScrollablePage {
                 onClicked: page.app.launch()
             }
             Controls.Button {
+                Accessible.name: text
                 objectName: "stopApp"
                 text: qsTrId("lumd-apps-stop")
                 icon.name: "media-playback-stop"
@@ -123,6 +141,7 @@ Kirigami.ScrollablePage {
             Layout.fillWidth: true
             spacing: Kirigami.Units.smallSpacing
             Controls.Button {
+                Accessible.name: text
                 objectName: "settings"
                 text: qsTrId("lumd-apps-settings")
                 icon.name: "configure"
@@ -130,6 +149,7 @@ Kirigami.ScrollablePage {
                 onClicked: page.app.openSettings()
             }
             Controls.Button {
+                Accessible.name: text
                 objectName: "remove"
                 text: qsTrId("lumd-apps-remove")
                 icon.name: "edit-delete"

@@ -9,6 +9,7 @@ Controls.Switch {
     signal wished(bool isWanted)
 
     checked: isOn
+    Accessible.name: text
     onToggled: {
         const isWanted = checked
         checked = Qt.binding(() => control.isOn)

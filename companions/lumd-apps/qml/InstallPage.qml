@@ -66,6 +66,7 @@ Kirigami.Page {
             Layout.alignment: Qt.AlignHCenter
             spacing: Kirigami.Units.smallSpacing
             Controls.Button {
+                Accessible.name: text
                 objectName: "startForInstall"
                 visible: Installer.state === Installer.Waiting && Runtime.canStart
                 text: qsTrId("lumd-apps-start")
@@ -74,6 +75,7 @@ Kirigami.Page {
                 onClicked: Runtime.start()
             }
             Controls.Button {
+                Accessible.name: text
                 objectName: "launchInstalled"
                 visible: page.installed !== null
                 text: qsTrId("lumd-apps-launch")
@@ -82,6 +84,7 @@ Kirigami.Page {
                 onClicked: page.installed.launch()
             }
             Controls.Button {
+                Accessible.name: text
                 objectName: "goOn"
                 visible: !Installer.isBusy
                 text: Installer.waiting > 0 ? qsTrId("lumd-apps-install-next") : qsTrId("lumd-apps-done")

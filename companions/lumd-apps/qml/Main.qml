@@ -13,11 +13,32 @@ Kirigami.ApplicationWindow {
     minimumWidth: Kirigami.Units.gridUnit * 15
     minimumHeight: Kirigami.Units.gridUnit * 15
 
+    // Styles that know nothing of Kirigami take their colours from here.
+    palette {
+        window: Kirigami.Theme.backgroundColor
+        windowText: Kirigami.Theme.textColor
+        base: systemPalette.base
+        alternateBase: systemPalette.alternateBase
+        text: systemPalette.text
+        button: systemPalette.button
+        buttonText: systemPalette.buttonText
+        highlight: systemPalette.highlight
+        highlightedText: systemPalette.highlightedText
+        light: systemPalette.light
+        midlight: systemPalette.midlight
+        mid: systemPalette.mid
+        dark: systemPalette.dark
+        shadow: systemPalette.shadow
+        toolTipBase: systemPalette.base
+        toolTipText: systemPalette.text
+        link: Kirigami.Theme.linkColor
+    }
+    SystemPalette { id: systemPalette }
+
     pageStack.defaultColumnWidth: Kirigami.Units.gridUnit * 20
     pageStack.globalToolBar.style: Kirigami.ApplicationHeaderStyle.ToolBar
-    pageStack.globalToolBar.showNavigationButtons: pageStack.wideMode
-        ? Kirigami.ApplicationHeaderStyle.NoNavigationButtons
-        : Kirigami.ApplicationHeaderStyle.ShowBackButton
+    // They have no name for a screen reader; the page of an app brings its own.
+    pageStack.globalToolBar.showNavigationButtons: Kirigami.ApplicationHeaderStyle.NoNavigationButtons
     pageStack.initialPage: AppListPage {
         onAppChosen: window.showApp(app)
     }

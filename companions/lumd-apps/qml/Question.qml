@@ -12,28 +12,37 @@ Controls.Dialog {
     parent: applicationWindow().overlay
     anchors.centerIn: parent
     modal: true
+    padding: Kirigami.Units.largeSpacing
     focus: true
     width: Math.min(parent ? parent.width - Kirigami.Units.gridUnit * 2 : 0, Kirigami.Units.gridUnit * 22)
     onOpened: cancel.forceActiveFocus()
 
-    contentItem: Controls.Label {
-        objectName: "questionText"
-        text: question.text
-        textFormat: Text.PlainText
-        wrapMode: Text.Wrap
-        maximumLineCount: 12
-        elide: Text.ElideRight
-        Accessible.role: Accessible.AlertMessage
-        Accessible.name: text
+    // Not the label itself: one that is given a height cuts its text to that.
+    contentItem: Item {
+        implicitHeight: label.implicitHeight
+        Controls.Label {
+            id: label
+            objectName: "questionText"
+            width: parent.width
+            text: question.text
+            textFormat: Text.PlainText
+            wrapMode: Text.Wrap
+            maximumLineCount: 12
+            elide: Text.ElideRight
+            Accessible.role: Accessible.AlertMessage
+            Accessible.name: text
+        }
     }
     footer: Controls.DialogButtonBox {
         Controls.Button {
+            Accessible.name: text
             id: cancel
             objectName: "cancel"
             text: qsTrId("lumd-apps-cancel")
             Controls.DialogButtonBox.buttonRole: Controls.DialogButtonBox.RejectRole
         }
         Controls.Button {
+            Accessible.name: text
             objectName: "consent"
             text: question.consent
             Controls.DialogButtonBox.buttonRole: Controls.DialogButtonBox.AcceptRole

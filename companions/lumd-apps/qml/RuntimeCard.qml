@@ -10,6 +10,7 @@ Controls.Control {
     id: card
     objectName: "runtimeCard"
     padding: Kirigami.Units.largeSpacing
+    horizontalPadding: Kirigami.Units.largeSpacing + Kirigami.Units.smallSpacing
     Kirigami.Theme.colorSet: Kirigami.Theme.Window
     Kirigami.Theme.inherit: false
     background: Rectangle {
@@ -49,6 +50,7 @@ Controls.Control {
                 Accessible.name: text
             }
             Controls.Button {
+                Accessible.name: text
                 objectName: "start"
                 visible: Runtime.canStart
                 text: qsTrId("lumd-apps-start")
@@ -57,6 +59,7 @@ Controls.Control {
                 onClicked: Runtime.start()
             }
             Controls.Button {
+                Accessible.name: text
                 objectName: "stop"
                 visible: Runtime.canStop
                 text: qsTrId("lumd-apps-stop")

@@ -24,29 +24,34 @@ RowLayout {
         radius: 2
         Accessible.ignored: true
     }
-    Controls.Label {
-        id: name
-        textFormat: Text.PlainText
-        Accessible.ignored: number.text.length > 0
-    }
-    Controls.Label {
-        id: number
-        objectName: "size"
-        Layout.fillWidth: true
-        horizontalAlignment: Text.AlignRight
-        textFormat: Text.PlainText
-        Accessible.role: Accessible.StaticText
-        Accessible.name: name.text + " " + text
+    ColumnLayout {
+        spacing: 0
+        Controls.Label {
+            id: name
+            Layout.fillWidth: true
+            elide: Text.ElideRight
+            textFormat: Text.PlainText
+            Accessible.ignored: number.text.length > 0
+        }
+        Controls.Label {
+            id: number
+            objectName: "size"
+            Layout.fillWidth: true
+            visible: text.length > 0
+            elide: Text.ElideRight
+            textFormat: Text.PlainText
+            font: Kirigami.Theme.smallFont
+            opacity: 0.75
+            Accessible.role: Accessible.StaticText
+            Accessible.name: name.text + " " + text
+        }
     }
     Controls.Button {
+        Accessible.name: text
         id: button
         objectName: "clear"
         visible: text.length > 0
         Layout.preferredWidth: Kirigami.Units.gridUnit * 8
         onClicked: part.acted()
-    }
-    Item {
-        visible: !button.visible
-        Layout.preferredWidth: Kirigami.Units.gridUnit * 8
     }
 }

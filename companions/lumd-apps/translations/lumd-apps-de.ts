@@ -323,5 +323,10 @@
         <extracomment>On a button</extracomment>
         <translation>Fertig</translation>
     </message>
+    <message id="lumd-apps-back">
+        <source>Back</source>
+        <extracomment>The button that leads back to the list</extracomment>
+        <translation>Zurück</translation>
+    </message>
 </context>
 </TS>

@@ -323,5 +323,10 @@
         <extracomment>On a button</extracomment>
         <translation>Done</translation>
     </message>
+    <message id="lumd-apps-back">
+        <source>Back</source>
+        <extracomment>The button that leads back to the list</extracomment>
+        <translation>Back</translation>
+    </message>
 </context>
 </TS>

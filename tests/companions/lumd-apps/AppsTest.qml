@@ -60,7 +60,19 @@ TestCase {
     function click(name) {
         const item = waitFor(name)
         tryCompare(item, "enabled", true, 10000)
-        waitForRendering(window.contentItem, 1000)
+        hit(item)
+    }
+    // Pages slide, and take no click before they have come to rest.
+    function hit(item) {
+        let before = null
+        tryVerify(() => {
+            const now = item.mapToItem(null, 0, 0)
+            const isAtRest = before !== null && now.x === before.x && now.y === before.y
+                && !window.pageStack.layers.busy
+            before = now
+            wait(60)
+            return isAtRest
+        }, 10000)
         mouseClick(item)
     }
     // The daemon with the runtime up.

@@ -112,13 +112,11 @@ AppsWorld::AppsWorld()
             QStringLiteral("/usr/share/translations/") + name, fileContents(built.filePath(name)));
     setLanguage(QStringLiteral("en"));
     setTotal(0);
-    makeFile(QStringLiteral("/etc/lumd/platform/policy.conf"), "[policy]\n6=true\n");
     m_world.systemd.setFollowsRequests(false);
     m_world.android->registerService(
         QStringLiteral("storagestats"), [this](const Request &r) { return answerSizes(r); });
     m_world.android->registerService(
         QStringLiteral("deviceidle"), [this](const Request &r) { return answerAllowList(r); });
-    QAccessible::setActive(true);
     m_module = std::make_unique<AppsModule>();
 }
 
@@ -167,14 +165,27 @@ void AppsWorld::goOn()
 
 bool AppsWorld::bringUp()
 {
-    m_world.android->registerService(QStringLiteral("activity"));
-    return m_world.bringUpRuntime() && m_world.waitForLink(QStringLiteral("activity"))
+    m_world.android->registerService(QStringLiteral("package"), [this](const Request &request) {
+        return request.code == uninstallCode && m_failsRemovals
+            ? Reply::failure(-1)
+            : Reply::data(ParcelWriter().int32(0).bytes());
+    });
+    m_world.android->registerService(QStringLiteral("alien"));
+    return m_world.see(QStringLiteral("activating")) && m_world.connectToRuntime()
+        && m_world.bringUp(QStringLiteral("activity"))
         && m_world.android->waitForPublished(launcherService);
 }
 
 bool AppsWorld::see(const QString &state)
 {
     return m_world.see(state);
+}
+
+bool AppsWorld::takeDown()
+{
+    for (const char *const name : {"package", "alien", "activity"})
+        m_world.android->killService(QLatin1String(name));
+    return m_world.see(QStringLiteral("inactive"));
 }
 
 void AppsWorld::setUnitFileState(const QString &state)
@@ -269,27 +280,11 @@ bool AppsWorld::finishInstall(int resultCode, const QString &package, const QStr
     const auto requested = m_world.requests(QStringLiteral("package"), installCode);
     if (requested.isEmpty())
         return false;
-    const QByteArray payload = ParcelWriter()
-                                   .string16(package)
-                                   .int32(resultCode)
-                                   .string16(message)
-                                   .int32(0)
-                                   .bytes();
+    const QByteArray payload =
+        ParcelWriter().string16(package).int32(resultCode).string16(message).int32(0).bytes();
     return m_world.android
-        ->transactObject(requested.last().localObjects.value(0),
-            result(2, "IPackageInstallObserver2", payload))
-        .delivered;
-}
-
-bool AppsWorld::finishRemove(int resultCode, const QString &package)
-{
-    const auto requested = m_world.requests(QStringLiteral("package"), uninstallCode);
-    if (requested.isEmpty())
-        return false;
-    const QByteArray payload = ParcelWriter().string16(package).int32(resultCode).bytes();
-    return m_world.android
-        ->transactObject(requested.last().localObjects.value(0),
-            result(1, "IPackageDeleteObserver", payload))
+        ->transactObject(
+            requested.last().localObjects.value(0), result(2, "IPackageInstallObserver2", payload))
         .delivered;
 }
 
@@ -298,6 +293,12 @@ QUrl AppsWorld::makeApk(const QString &name)
     const QString path = QStringLiteral("/run/apps/") + name;
     makeFile(path, "apk");
     return QUrl::fromLocalFile(path);
+}
+
+void AppsWorld::forbidChanges()
+{
+    // Who goes by the name of root is privileged.
+    TestNamespace::replaceProgram(QStringLiteral("/etc/passwd"), "nemo:x:0:0::/:/bin/sh\n");
 }
 
 void AppsWorld::setDark(bool isDark)
@@ -331,6 +332,8 @@ void AppsWorld::setLanguage(const QString &language)
 
 QString AppsWorld::accessible(QQuickItem *item) const
 {
+    // Controls that exist learn of a screen reader; the offscreen platform keeps none in mind.
+    QAccessible::setActive(true);
     QAccessibleInterface *const interface = QAccessible::queryAccessibleInterface(item);
     if (interface == nullptr)
         return {};
@@ -347,6 +350,7 @@ QString AppsWorld::accessibleDescription(QQuickItem *item) const
 
 bool AppsWorld::isReadOut(QQuickWindow *window, const QString &text) const
 {
+    QAccessible::setActive(true);
     return contains(QAccessible::queryAccessibleInterface(window), text);
 }
 
@@ -367,7 +371,6 @@ int AppsWorld::draw(QQuickWindow *window, const QString &name) const
 QString AppsWorld::digest(QQuickWindow *window) const
 {
     const QImage image = shot(window);
-    return QString::number(
-        qHash(QByteArray::fromRawData(
-            reinterpret_cast<const char *>(image.constBits()), int(image.sizeInBytes()))));
+    return QString::number(qHash(QByteArray::fromRawData(
+        reinterpret_cast<const char *>(image.constBits()), int(image.sizeInBytes()))));
 }

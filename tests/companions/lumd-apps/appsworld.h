@@ -9,6 +9,7 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 
+#include <atomic>
 #include <mutex>
 #include <set>
 
@@ -38,6 +39,8 @@ public:
     // The runtime.
     Q_INVOKABLE bool bringUp();
     Q_INVOKABLE bool see(const QString &state);
+    /// Its services go, too.
+    Q_INVOKABLE bool takeDown();
     Q_INVOKABLE void setUnitFileState(const QString &state);
     Q_INVOKABLE QStringList systemdCalls() const;
 
@@ -52,9 +55,12 @@ public:
     /// How often that service got that request for that package or path; "" for any.
     Q_INVOKABLE int requests(const QString &service, int code, const QString &name);
     Q_INVOKABLE bool finishInstall(int result, const QString &package, const QString &message);
-    Q_INVOKABLE bool finishRemove(int result, const QString &package);
+    /// Android fails each removal from now on, or does as asked again.
+    Q_INVOKABLE void failRemovals(bool fail) { m_failsRemovals = fail; }
 
     // Files and the policy.
+    /// Nobody but the privileged may install and remove.
+    Q_INVOKABLE void forbidChanges();
     Q_INVOKABLE QUrl makeApk(const QString &name);
     Q_INVOKABLE QString pathInRuntime(const QString &name) const { return incomingInRuntime(name); }
 
@@ -87,4 +93,5 @@ private:
     std::mutex m_mutex;
     QHash<QString, QVector<qint64>> m_sizes;
     std::set<QString> m_allowed;
+    std::atomic_bool m_failsRemovals{false};
 };

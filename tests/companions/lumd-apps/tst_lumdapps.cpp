@@ -25,8 +25,8 @@ struct Function
 /// The test functions by name.
 QMap<QString, Function> functions()
 {
-    static const QRegularExpression caseName(QStringLiteral("^    name: \"(\\w+)\"$"),
-        QRegularExpression::MultilineOption);
+    static const QRegularExpression caseName(
+        QStringLiteral("^    name: \"(\\w+)\"$"), QRegularExpression::MultilineOption);
     static const QRegularExpression functionName(
         QStringLiteral("^    function (test_\\w+)\\("), QRegularExpression::MultilineOption);
     QMap<QString, Function> found;
@@ -67,7 +67,8 @@ int run(const QString &name, const Function &function, char *program)
     qputenv("QML_DISABLE_DISK_CACHE", "1");
     TestNamespace::enter();
     QDir().mkpath(QStringLiteral("/run/user/0"));
-    QFile::setPermissions(QStringLiteral("/run/user/0"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QFile::setPermissions(
+        QStringLiteral("/run/user/0"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     qputenv("XDG_RUNTIME_DIR", "/run/user/0");
 
     Window::setUpStyle();

@@ -67,10 +67,11 @@ AppsTest {
         // Not before it is so.
         compare(onBoot.checked, false)
         world.setUnitFileState("enabled")
+        click("runtimeOnBoot")
         tryCompare(onBoot, "checked", true, 10000)
+        world.setUnitFileState("disabled")
         click("runtimeOnBoot")
         tryVerify(() => world.systemdCalls().includes("DisableUnitFiles([aliendalvik.service], false)"), 10000)
-        world.setUnitFileState("disabled")
         tryCompare(onBoot, "checked", false, 10000)
     }
 
