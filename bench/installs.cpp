@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "tests/daemon/daemonfixture.h"
+#include "bench/readydaemon.h"
 
 #include <QDir>
 #include <QProcess>
@@ -14,28 +14,6 @@ constexpr int apkMegabytes = 100;
 const QString source = QStringLiteral("/run/apps/app.apk");
 const QString staged = QStringLiteral("/home/.android/data/aas-staging/app/incoming/app.apk");
 
-// The built daemon, connected to the runtime's package manager.
-class ReadyDaemon : public DaemonFixture
-{
-public:
-    ReadyDaemon()
-    {
-        makeFile(QStringLiteral("/opt/alien/system.img"));
-        makeFile(QStringLiteral("/opt/alien/build.prop"),
-            QByteArrayLiteral("ro.build.version.sdk=27\n"));
-        makeFile(source, QByteArray(apkMegabytes << 20, 'x'));
-        android->registerService(QStringLiteral("package"));
-        android->registerService(QStringLiteral("alien"));
-        daemon->setLoggingRules(QStringLiteral("com.tovra.lumd.binder=true"));
-        systemd.setUnitState(QStringLiteral("active"), QStringLiteral("running"));
-        const QString connected =
-            QStringLiteral("debug com.tovra.lumd.binder Connected to Alien Service ");
-        if (!start() || !daemon->waitForLine(connected + QStringLiteral("package"))
-            || !daemon->waitForLine(connected + QStringLiteral("alien")))
-            qFatal("the daemon does not connect to the runtime");
-    }
-};
-
 void requireStaged()
 {
     if (QFileInfo(staged).size() != qint64(apkMegabytes) << 20)
@@ -44,7 +22,8 @@ void requireStaged()
 
 void installOnTheBus(benchmark::State &state)
 {
-    static ReadyDaemon ready;
+    startReadyDaemon();
+    makeFile(source, QByteArray(apkMegabytes << 20, 'x'));
     for (auto _ : state) {
         const QDBusMessage reply = DaemonFixture::call(QStringLiteral("installFile"), {source});
         state.PauseTiming();

@@ -20,8 +20,7 @@ AlienBinderCallbackClient::AlienBinderCallbackClient(
 
 AlienBinderCallbackClient::~AlienBinderCallbackClient()
 {
-    m_client.reset();
-    m_death.reset();
+    m_client.reset(); // before the death watch
 }
 
 AlienBinderTransaction *AlienBinderCallbackClient::transaction(quint32 code, bool oneway)

@@ -35,7 +35,6 @@ AlienBinderConnection::AlienBinderConnection(
     const char *serviceName, const char *interface, bool persistent, QObject *parent)
     : QObject(parent), m_serviceName(serviceName), m_interface(interface), m_persistent(persistent)
 {
-    m_timer.setSingleShot(true);
     m_timer.setInterval(onDemandLifetime);
     m_timer.setTimerType(Qt::PreciseTimer); // not before a user's own deadline of the same length
     connect(ServiceController::instance(), &ServiceController::serviceStateChanged, this,

@@ -26,8 +26,7 @@ AlienBinderTransaction::~AlienBinderTransaction()
 {
     qCDebug(binderLog) << "Destroying transaction" << m_code;
     cancel();
-    m_request.reset();
-    m_reply.reset();
+    m_request.reset(); // before the reply
 }
 
 AlienBinderParcel *AlienBinderTransaction::inputParcel()

@@ -18,13 +18,13 @@ QString ApkConfig::path(SymbolicPath which) const
     case DataRoot:
         return m_dataRoot;
     case AppDir:
-        return QStringLiteral("%1/data/app/").arg(path(DataRoot));
+        return m_dataRoot + QLatin1String("/data/app/");
     case IncomingDir:
-        return QStringLiteral("%1/data/aas-staging/app/incoming/").arg(path(DataRoot));
+        return m_dataRoot + QLatin1String("/data/aas-staging/app/incoming/");
     case PackagedDir:
-        return QStringLiteral("%1/data/aas-staging/app/packaged/").arg(path(DataRoot));
+        return m_dataRoot + QLatin1String("/data/aas-staging/app/packaged/");
     case AppDataDir:
-        return QStringLiteral("%1/data/data/").arg(path(DataRoot));
+        return m_dataRoot + QLatin1String("/data/data/");
     }
     qCWarning(configLog) << "Cannot handle symbolic path:" << static_cast<int>(which);
     return {};

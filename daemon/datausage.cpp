@@ -28,7 +28,6 @@ std::optional<quint64> firstNumber(const QByteArray &output)
 
 DataUsage::DataUsage(QObject *parent) : QObject(parent), m_deadline(this)
 {
-    m_deadline.setSingleShot(true);
     m_deadline.setTimerType(Qt::PreciseTimer);
     m_deadline.setInterval(timeForDu);
     connect(&m_deadline, &QTimer::timeout, this, &DataUsage::onDeadline);

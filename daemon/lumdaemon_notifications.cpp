@@ -8,15 +8,8 @@
 
 namespace {
 
-QString warningIcon()
-{
-    return QStringLiteral("icon-lock-warning");
-}
-
-QString normalIcon()
-{
-    return QStringLiteral("icon-s-android");
-}
+constexpr char warningIcon[] = "icon-lock-warning";
+constexpr char normalIcon[] = "icon-s-android";
 
 } // namespace
 
@@ -26,9 +19,9 @@ void LumDaemon::publishNotification(const QString &text, bool isWarning)
     notification.setIsTransient(true);
     if (isWarning) {
         notification.setUrgency(Notification::Critical);
-        notification.setIcon(warningIcon());
+        notification.setIcon(QLatin1String(warningIcon));
     } else {
-        notification.setIcon(normalIcon());
+        notification.setIcon(QLatin1String(normalIcon));
     }
     notification.setPreviewBody(text);
     notification.publish();
@@ -47,8 +40,8 @@ void LumDaemon::onNotifyInstallationResult(
     Notification notification;
     notification.setAppName(qtTrId("lumd-ap-name"));
     notification.setIsTransient(true);
-    notification.setIcon(normalIcon());
-    notification.setAppIcon(normalIcon());
+    notification.setIcon(QLatin1String(normalIcon));
+    notification.setAppIcon(QLatin1String(normalIcon));
     QString summary = success ? qtTrId("lumd-install-success") : qtTrId("lumd-install-failed");
     if (!packageName.isEmpty())
         summary += QLatin1String(": ") + m_desktopManager.appName(packageName);
@@ -62,8 +55,8 @@ void LumDaemon::onNotifyUninstallationResult(bool success, const QString &packag
 {
     Notification notification;
     notification.setAppName(qtTrId("lumd-ap-name"));
-    notification.setIcon(normalIcon());
-    notification.setAppIcon(normalIcon());
+    notification.setIcon(QLatin1String(normalIcon));
+    notification.setAppIcon(QLatin1String(normalIcon));
     const QString outcome =
         success ? qtTrId("lumd-uninstall-success") : qtTrId("lumd-uninstall-failed");
     notification.setPreviewSummary(outcome + QLatin1String(": ") + packageName);

@@ -63,7 +63,8 @@ class MonitorAdaptor : public QDBusAbstractAdaptor
     Q_PROPERTY(QString Version READ version)
 
 public:
-    explicit MonitorAdaptor(Monitor *monitor);
+    explicit MonitorAdaptor(Monitor *monitor)
+        : QDBusAbstractAdaptor(monitor), m_monitor(monitor) { }
 
     QString runtimeState() const { return m_monitor->state().runtimeState; }
     bool isReady() const { return m_monitor->state().isReady; }
@@ -73,7 +74,7 @@ public:
     QString version() const { return Monitor::version(); }
 
 public Q_SLOTS:
-    ListedApps ListApps() const;
+    ListedApps ListApps() const { return m_monitor->listApps(); }
 
 private:
     const Monitor *m_monitor; // the parent

@@ -21,7 +21,7 @@ struct ReleaseMonitor
 {
     void operator()(sd_login_monitor *monitor) const { sd_login_monitor_unref(monitor); }
 };
-using Monitor = std::unique_ptr<sd_login_monitor, ReleaseMonitor>;
+using LoginMonitor = std::unique_ptr<sd_login_monitor, ReleaseMonitor>;
 
 quint64 monotonicMicroseconds()
 {
@@ -30,12 +30,12 @@ quint64 monotonicMicroseconds()
     return static_cast<quint64>(now.tv_sec) * 1000000 + static_cast<quint64>(now.tv_nsec) / 1000;
 }
 
-Monitor watchSeats()
+LoginMonitor watchSeats()
 {
     sd_login_monitor *monitor = nullptr;
     if (sd_login_monitor_new("seat", &monitor) < 0)
         qWarning() << "Failed to monitor for seat changes";
-    return Monitor(monitor);
+    return LoginMonitor(monitor);
 }
 
 } // namespace
@@ -51,7 +51,7 @@ int pollTimeout(quint64 deadline, quint64 now)
 
 std::optional<uid_t> waitForActiveSeat()
 {
-    const Monitor monitor = watchSeats();
+    const LoginMonitor monitor = watchSeats();
     if (!monitor)
         return std::nullopt;
 

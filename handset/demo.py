@@ -19,8 +19,10 @@ from machine import Machine
 
 FAREWELL = f"""
 You are on the handset. Some things to try:
-  {device.SHORTHAND}
-  lumd launchApp s {apps.NOTES.package}
+  lumctl list
+  lumctl launch {apps.NOTES.launchers[0].caption}
+  lumctl info {apps.NOTES.package}
+  lumctl monitor
   busctl introspect {device.BUS_NAME} {device.OBJECT_PATH}
   alienctl status
   alienctl announce {apps.MAPS.package}

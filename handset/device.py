@@ -10,6 +10,7 @@ import shlex
 import tarfile
 import time
 
+import control
 import payload
 from apps import APPLICATIONS, ICONS, SETTINGS
 from image import HandsetError
@@ -36,9 +37,15 @@ PACKAGED = "/home/.android/data/aas-staging/app/packaged"
 APP_DATA = "/home/.android/data/data"
 RUNTIME_INCOMING = "/data/aas-staging/app/incoming"
 
+# syslog's number
+WARNING = 4
+
 # The daemon's debug lines are on, so that scenarios see what it saw.
 VERBOSE = "/run/systemd/system/lumd.service.d/verbose.conf"
 VERBOSE_TEXT = "[Service]\nEnvironment=QT_LOGGING_RULES=com.tovra.lumd.*.debug=true\n"
+
+# There is a link while the runtime starts at boot.
+ENABLED_RUNTIME = f"/etc/systemd/system/multi-user.target.wants/{RUNTIME}"
 
 # Services of the runtime to which lumd keeps a connection.
 PERSISTENT_SERVICES = ("package", "activity", "alarm", "alien")
@@ -69,18 +76,23 @@ class Device:
 
     def reset(self):
         """Brings the handset to its ground state: no apps, runtime stopped, lumd started."""
-        files = {VERBOSE: VERBOSE_TEXT, RUNTIME_CONFIG: runtime_config(),
+        files = {RUNTIME_CONFIG: runtime_config(),
                  **payload.sdk_files(payload.DEFAULT_SDK)}
         self.since = self.machine.shell(f"""
             exec 3>&1 >/dev/null
             systemctl stop {LUMD} {RUNTIME}
-            systemctl disable --quiet {RUNTIME}
+            # Either makes systemd read all units anew, which takes seconds on the handset.
+            [ ! -L {ENABLED_RUNTIME} ] || systemctl disable --quiet {RUNTIME}
             systemctl reset-failed
-            rm -rf {APPLICATIONS}/lumd_launcher_* {ICONS}/* {SETTINGS}/* {RUNTIME_APPS}/*
-            rm -rf {BLACKLIST} {MARKERS}/* {POLICY}
-            rm -rf {INCOMING}/* {PACKAGED}/* {APP_DATA}
+            rm -rf {APPLICATIONS}/lumd_launcher_* {ICONS}/* {SETTINGS}/* {RUNTIME_APPS}/* \\
+                {BLACKLIST} {MARKERS}/* {POLICY} {INCOMING}/* {PACKAGED}/* {APP_DATA}
             {write_script(files)}
-            systemctl daemon-reload
+            grep -qs QT_LOGGING_RULES {VERBOSE} || {{
+            {write_script({VERBOSE: VERBOSE_TEXT})}
+            }}
+            case $(systemctl show --property=NeedDaemonReload {LUMD} {RUNTIME}) in
+            *yes*) systemctl daemon-reload ;;
+            esac
             journalctl --sync
             date +%s.%6N >&3
             systemctl start getty@tty1.service {LUMD}
@@ -161,9 +173,17 @@ class Device:
     # The runtime
 
     def runtime(self, *command, check=True):
-        """Asks the runtime through its control client; gives its answer."""
-        result = self.machine.shell(shlex.join(["alienctl", *command]), check=check)
-        return json.loads(result.stdout)
+        """Asks the runtime as alienctl does; gives its answer.
+
+        The client runs here: Python takes more than a second to start on the handset.
+        """
+        try:
+            answer = control.ask(command, self.machine.control)
+        except (OSError, ValueError) as error:
+            raise HandsetError(f"alienctl {shlex.join(command)}: {error}") from error
+        if check and not answer["ok"]:
+            raise HandsetError(f"alienctl {shlex.join(command)}: {answer}")
+        return answer
 
     def calls(self, *services):
         """The binder calls that the runtime got, of some services or all, oldest first."""
@@ -180,7 +200,7 @@ class Device:
         """Has the runtime announce an app, also one that it did not know."""
         path = f"/run/{app.package}.json"
         self.write({path: app.to_json()})
-        return self.runtime("announce", path)
+        return json.loads(self.machine.run("alienctl", "announce", path))
 
     def start_runtime(self):
         """Starts the runtime and waits until it has announced all of its launchers."""
@@ -189,8 +209,14 @@ class Device:
 
     def wait_control(self):
         """Waits until the runtime's control socket answers."""
-        self.wait(lambda: self.machine.shell("alienctl status", check=False).returncode == 0,
-                  "the runtime answers")
+        self.wait(self.answers, "the runtime answers")
+
+    def answers(self):
+        """Whether the runtime's control socket answers."""
+        try:
+            return self.runtime("status", check=False)["ok"]
+        except HandsetError:
+            return False
 
     def wait_announced(self, after=0):
         """Waits for the end of an announcement of all launchers; gives its event number."""
@@ -234,17 +260,29 @@ class Device:
 
     def log(self, unit=LUMD, priority="debug"):
         """The lines of a unit's log since the ground state."""
-        self.machine.run("journalctl", "--sync")
-        output = self.machine.run("journalctl", f"--since=@{self.since}", "--quiet",
-                                  f"_SYSTEMD_UNIT={unit}", f"--priority={priority}",
-                                  "--output=json", "--output-fields=PRIORITY,MESSAGE")
-        entries = [json.loads(line) for line in output.splitlines()]
-        return [Line(int(entry["PRIORITY"]), entry["MESSAGE"],
-                     int(entry["__REALTIME_TIMESTAMP"]) / 1e6) for entry in entries]
+        return self.logs(unit, priority=priority)[unit]
+
+    def logs(self, *units, priority="debug"):
+        """The same of several units, by the unit's name."""
+        output = self.machine.shell(
+            f"journalctl --sync && journalctl --since=@{self.since} --quiet --output=json "
+            f"--output-fields=PRIORITY,MESSAGE,_SYSTEMD_UNIT --priority={priority} "
+            + " ".join(f"_SYSTEMD_UNIT={unit}" for unit in units)).stdout
+        found = {unit: [] for unit in units}
+        for entry in map(json.loads, output.splitlines()):
+            found[entry["_SYSTEMD_UNIT"]].append(
+                Line(int(entry["PRIORITY"]), entry["MESSAGE"],
+                     int(entry["__REALTIME_TIMESTAMP"]) / 1e6))
+        return found
 
     def warnings(self):
         """What lumd warned of, or worse, since the ground state."""
-        return [line.text for line in self.log(priority="warning")]
+        return warnings(self.log(priority="warning"))
+
+    def faults(self):
+        """What lumd warned of, and what the runtime found wrong in what it was sent."""
+        logs = self.logs(LUMD, RUNTIME)
+        return warnings(logs[LUMD]), runtime_errors(logs[RUNTIME])
 
     def timeline(self, event):
         """The runtime's events of one kind since the ground state, with the time of each."""
@@ -254,9 +292,7 @@ class Device:
 
     def runtime_errors(self):
         """What the runtime found wrong in what it was sent, since the ground state."""
-        events = [json.loads(line.text) for line in self.log(RUNTIME)
-                  if line.text.startswith("{")]
-        return [event for event in events if "error" in event]
+        return runtime_errors(self.log(RUNTIME))
 
     def seen_states(self):
         """The states of the runtime's unit that lumd was told of, in order."""
@@ -283,6 +319,17 @@ class Device:
             time.sleep(0.2)
 
 
+def warnings(lines):
+    """The texts of those lines that are warnings or worse."""
+    return [line.text for line in lines if line.priority <= WARNING]
+
+
+def runtime_errors(lines):
+    """The events among the runtime's lines that tell of something wrong."""
+    events = [json.loads(line.text) for line in lines if line.text.startswith("{")]
+    return [event for event in events if "error" in event]
+
+
 def runtime_config(stopDelay=500, **settings):
     """The runtime's configuration: a stop takes its time, and lumd is told before services go."""
     settings["stopDelay"] = stopDelay
@@ -294,6 +341,7 @@ def write_script(files):
     lines = []
     for path, text in files.items():
         folder = path.rpartition("/")[0]
-        lines.append(f"mkdir -p {shlex.quote(folder)} && "
+        folder = shlex.quote(folder)
+        lines.append(f"{{ [ -d {folder} ] || mkdir -p {folder}; }} && "
                      f"printf %s {shlex.quote(text)} > {shlex.quote(path)}")
     return "\n".join(lines)

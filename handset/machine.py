@@ -12,6 +12,7 @@ import subprocess
 import tempfile
 import time
 
+import control
 import image as images
 import payload
 from image import HandsetError
@@ -46,6 +47,11 @@ class Machine:
     @property
     def console(self):
         return self.folder / "console.log"
+
+    @property
+    def control(self):
+        """The socket here that leads to the control socket of the runtime on the handset."""
+        return self.folder / "control"
 
     def running(self):
         """Whether the QEMU process of this record still lives."""
@@ -114,7 +120,8 @@ class Machine:
             time.sleep(0.1)
         # A first attempt may run into ssh's time limits where the machine is under load.
         with open(self.folder / "ssh.log", "ab") as log:
-            while subprocess.run([*self.ssh(), "-M", "-N", "-f", "root@handset"], check=False,
+            forward = f"{self.control}:{control.SOCKET}"
+            while subprocess.run([*self.ssh(), "-M", "-N", "-f", "-L", forward, "root@handset"], check=False,
                                  stdin=subprocess.DEVNULL, stdout=log,
                                  stderr=log).returncode != 0:
                 demand("answer")

@@ -26,8 +26,8 @@ def sdk_files(sdk):
     return {
         "/opt/alien/build.prop": "# begin build properties\n"
                                  f"ro.build.version.sdk={sdk}\nro.product.device=handset\n",
-        "/etc/gbinder.conf": f"[Protocol]\n/dev/puddlejumper = {protocol}\n"
-                             f"[ServiceManager]\n/dev/puddlejumper = {manager}\n",
+        "/etc/gbinder.d/lumd.conf": f"[Protocol]\n/dev/puddlejumper = {protocol}\n"
+                                    f"[ServiceManager]\n/dev/puddlejumper = {manager}\n",
     }
 
 

@@ -26,29 +26,15 @@ std::string_view takeLine(std::string_view &text)
     return line;
 }
 
-// Where in the text the value of the last line of the key begins.
-std::size_t valueStart(std::string_view text, std::string_view key)
-{
-    std::size_t found = text.rfind(key);
-    while (found != std::string_view::npos && found > 0) {
-        const std::size_t behind = found + key.size();
-        if (text[found - 1] == '\n' && behind < text.size() && text[behind] == '=')
-            return behind + 1;
-        found = text.rfind(key, found - 1);
-    }
-    return std::string_view::npos;
-}
-
 } // namespace
 
 DesktopEntry::DesktopEntry(const QString &fileName) : m_fileName(fileName)
 {
-    bool isMissing = false;
-    const std::optional<QByteArray> bytes = readFile(fileName, &isMissing);
+    const std::optional<QByteArray> bytes = readFile(fileName);
     if (bytes)
         m_loaded = *bytes;
     else
-        m_isNew = isMissing || !QFile::exists(fileName);
+        m_isNew = !QFile::exists(fileName);
 }
 
 DesktopEntry::~DesktopEntry()
@@ -125,9 +111,10 @@ QString DesktopEntry::readValue(const QString &fileName, const char *key)
     // In a file that begins as lumd writes it every line counts, and the last of the key wins.
     const QByteArray bytes = readFile(fileName).value_or(QByteArray());
     const std::string_view text = Utf8::view(bytes);
-    const std::size_t start = valueStart(text, key);
-    if (bytes.startsWith(groupHeaderLine) && start != std::string_view::npos) {
-        std::string_view rest = text.substr(start);
+    const std::string lineStart = '\n' + std::string(key) + '=';
+    const std::size_t found = text.rfind(lineStart);
+    if (bytes.startsWith(groupHeaderLine) && found != std::string_view::npos) {
+        std::string_view rest = text.substr(found + lineStart.size());
         const std::string_view value = takeLine(rest);
         if (Utf8::isAscii(value))
             return QString::fromLatin1(value.data(), static_cast<int>(value.size()));

@@ -18,6 +18,7 @@
 namespace {
 
 constexpr char entrySuffix[] = ".desktop";
+constexpr char apkSuffix[] = ".apk";
 
 constexpr char fixedBlacklist[] = "/etc/lumd/app-blacklist";
 
@@ -43,7 +44,7 @@ QString generatedName(const ApkLauncher &launcher)
 bool isPartnerSpacePackage(const QString &packageName)
 {
     const QLatin1String folder(Paths::partnerSpace);
-    const QLatin1String suffix(".apk");
+    const QLatin1String suffix(apkSuffix);
     // Only behind a dash can there be a number to be left out.
     return packageName.contains(QLatin1Char('-'))
         ? unversionedApkExists(QDir(folder), packageName % suffix)
@@ -211,7 +212,7 @@ void DesktopManager::onCreateLauncher(const ApkLauncher &launcher)
 QByteArray DesktopManager::entryText(
     const ApkLauncher &launcher, const QString &iconPath, bool isHidden) const
 {
-    const QLatin1String apk(".apk");
+    const QLatin1String apk(apkSuffix);
     const QLatin1String hidden(isHidden ? "\nNoDisplay=true" : "");
     const QString &package = launcher.packageName;
     const QString text = QLatin1String("[Desktop Entry]\nExec=lumd-launcher ") % package % apk

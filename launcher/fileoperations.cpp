@@ -10,7 +10,6 @@
 #include <QStringBuilder>
 
 #include <algorithm>
-#include <cerrno>
 #include <memory>
 #include <string>
 #include <vector>
@@ -46,9 +45,7 @@ std::optional<QByteArray> readOpenFile(int descriptor)
     struct stat status = {};
     if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > largestFile)
         return {};
-    // One byte more than there should be: a read that does not fill the space has met the
-    // end of the file.
-    QByteArray bytes(static_cast<int>(status.st_size) + 1, Qt::Uninitialized);
+    QByteArray bytes(static_cast<int>(status.st_size), Qt::Uninitialized);
     const ssize_t size = read(descriptor, bytes.data(), static_cast<size_t>(bytes.size()));
     if (size < 0)
         return {};
@@ -113,21 +110,17 @@ std::optional<Found> match(
 
 } // namespace
 
-std::optional<QByteArray> readFile(const QString &path, bool *isMissing)
+std::optional<QByteArray> readFile(const QString &path)
 {
-    if (isMissing)
-        *isMissing = false;
     const QByteArray name = encoded(path);
     // The system would take the name for one that ends there.
     if (Utf8::view(name).find('\0') != std::string_view::npos)
         return {};
     // Without O_NONBLOCK a FIFO would be waited for, until somebody writes into it.
     const OpenFile file{open(name.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)};
-    if (file.descriptor >= 0)
-        return readOpenFile(file.descriptor);
-    if (isMissing)
-        *isMissing = errno == ENOENT;
-    return {};
+    if (file.descriptor < 0)
+        return {};
+    return readOpenFile(file.descriptor);
 }
 
 bool fileExists(const QString &path)

@@ -9,8 +9,7 @@
 
 /// The contents of the regular file at @p path, by the fewest system calls. Nothing when it
 /// cannot be read or is of another kind, and then without waiting: a FIFO, a socket, a device.
-/// @p isMissing, if given, then tells whether the reason is that there is no such file.
-std::optional<QByteArray> readFile(const QString &path, bool *isMissing = nullptr);
+std::optional<QByteArray> readFile(const QString &path);
 
 /// Whether there is anything at @p path, behind all links. It holds no zero character.
 bool fileExists(const QString &path);

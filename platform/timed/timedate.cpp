@@ -8,10 +8,12 @@
 namespace {
 
 // localtime(5)
+constexpr char zoneFolder[] = "/zoneinfo/";
+
 QString zoneOfLink()
 {
     const QString target = QFile::symLinkTarget(QStringLiteral("/etc/localtime"));
-    const QString folder = QStringLiteral("/zoneinfo/");
+    const QString folder = QLatin1String(zoneFolder);
     const int begin = target.indexOf(folder);
     return begin < 0 ? QString() : target.mid(begin + folder.size());
 }

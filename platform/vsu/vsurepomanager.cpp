@@ -5,7 +5,8 @@
 
 QStringList VsuRepoManager::repos(bool rnd, int filter) const
 {
-    Q_UNUSED(filter)
+    if (filter != 0)
+        return {};
     const QString key = rnd ? QStringLiteral("vsu/rndRepos") : QStringLiteral("vsu/repos");
     return iniValue(repositoryFile, key).toStringList();
 }

@@ -8,7 +8,7 @@ class VsuRepoManager
 {
 public:
     /// The names of the repositories: "rndRepos" when @p rnd, else "repos", of the group
-    /// "vsu" of /etc/lumd/platform/vsu.conf. @p filter is 0 for all of them, the only value
-    /// that this stand-in knows.
+    /// "vsu" of /etc/lumd/platform/vsu.conf. @p filter is 0 for all of them; this stand-in knows no
+    /// other value, and gives none.
     QStringList repos(bool rnd, int filter) const;
 };

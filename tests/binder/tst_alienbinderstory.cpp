@@ -17,6 +17,15 @@ namespace {
 const QString alien = QStringLiteral("alien");
 const QString active = QStringLiteral("active");
 
+/// A connection and what it does and says.
+struct ToldConnection : Connection
+{
+    explicit ToldConnection(bool isPersistent) : Connection(isPersistent) { }
+
+    LogCapture log;
+    LinkStory story{*this, log};
+};
+
 } // namespace
 
 class TestAlienBinderStory : public ConnectionTest
@@ -37,11 +46,9 @@ private Q_SLOTS:
 void TestAlienBinderStory::connectionIsToldOnceTheObjectIsHeld()
 {
     FakeBinder::registerService(alien);
-    Connection connection(persistent);
-    LogCapture log;
-    LinkStory story(connection, log);
+    ToldConnection connection(persistent);
     QVERIFY(m_unit->become(active));
-    QCOMPARE(story.take(),
+    QCOMPARE(connection.story.take(),
         texts({"servicemanager_new /dev/puddlejumper",
             "debug com.tovra.lumd.binder Connecting to Alien service: alien",
             "servicemanager_add_registration_handler alien 1",
@@ -54,11 +61,9 @@ void TestAlienBinderStory::connectionIsToldOnceTheObjectIsHeld()
 void TestAlienBinderStory::missingServiceIsToldBehindTheQuestion()
 {
     m_unit->startOutAs(active);
-    Connection connection(onDemand);
-    LogCapture log;
-    LinkStory story(connection, log);
+    ToldConnection connection(onDemand);
     QCOMPARE(connection.client(), nullptr);
-    QCOMPARE(story.take(),
+    QCOMPARE(connection.story.take(),
         texts({"servicemanager_get_service_sync alien",
             "debug com.tovra.lumd.binder Could not find remote object for alien"}));
 }
@@ -66,11 +71,9 @@ void TestAlienBinderStory::missingServiceIsToldBehindTheQuestion()
 void TestAlienBinderStory::missingManagerIsToldBeforeTheSignal()
 {
     FakeBinder::setPresent(false);
-    Connection connection(persistent);
-    LogCapture log;
-    LinkStory story(connection, log);
+    ToldConnection connection(persistent);
     QVERIFY(m_unit->become(active));
-    QCOMPARE(story.take(),
+    QCOMPARE(connection.story.take(),
         texts({"servicemanager_new /dev/puddlejumper failed",
             "critical com.tovra.lumd.binder Could not get service manager for alien",
             "connectionChanged false"}));
@@ -81,11 +84,9 @@ void TestAlienBinderStory::missingClientIsToldBeforeTheLinkIsDropped()
     FakeBinder::registerService(alien);
     FakeBinder::failClients(alien);
     m_unit->startOutAs(active);
-    Connection connection(onDemand);
-    LogCapture log;
-    LinkStory story(connection, log);
+    ToldConnection connection(onDemand);
     QCOMPARE(connection.client(), nullptr);
-    QCOMPARE(story.take(),
+    QCOMPARE(connection.story.take(),
         texts({"servicemanager_get_service_sync alien", "remote_object_ref alien",
             "debug com.tovra.lumd.binder Connected to Alien Service alien",
             "remote_object_add_death_handler alien 1", "client_new alien failed",
@@ -98,12 +99,10 @@ void TestAlienBinderStory::deathIsToldBeforeTheLinkIsDropped()
 {
     FakeBinder::registerService(alien);
     m_unit->startOutAs(active);
-    Connection connection(persistent);
-    LogCapture log;
-    LinkStory story(connection, log);
+    ToldConnection connection(persistent);
     FakeBinder::killService(alien);
     QVERIFY(settle());
-    QCOMPARE(story.take(),
+    QCOMPARE(connection.story.take(),
         texts({"warning com.tovra.lumd.binder alien died! Trying to reconnect.",
             "client_unref alien", "connectionChanged false", "remote_object_remove_handler alien 2",
             "remote_object_unref alien",

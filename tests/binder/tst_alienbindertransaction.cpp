@@ -1,21 +1,15 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "binder/alienbindertransaction.h"
-#include "tests/binder/androidpeer.h"
+#include "tests/binder/transactiontest.h"
 #include "tests/support/fakegbinder/parcelwriter.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/testmain.h"
 #include "tests/support/text.h"
 
-#include <QtTest>
-
 using FakeBinder::ParcelWriter;
 using FakeBinder::Reply;
 
 namespace {
-
-constexpr quint32 code = 17;
-constexpr bool oneway = true;
-constexpr bool withReply = false;
 
 const char inputRefused[] =
     "warning com.tovra.lumd.binder Cannot create input parcel. Returning empty";
@@ -26,14 +20,11 @@ const char destroyedLine[] = "debug com.tovra.lumd.binder Destroying transaction
 
 } // namespace
 
-class TestAlienBinderTransaction : public QObject
+class TestAlienBinderTransaction : public TransactionTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void sendsWhatWasWrittenAndReadsTheReply();
     void inputParcelIsTheSameEachTime();
     void outputParcelIsTheSameEachTime();
@@ -57,30 +48,14 @@ private Q_SLOTS:
     void linkUpChangesNothing();
     void linkUpDoesNotBringTheClientBack();
     void nullClientLeavesEmptyParcels();
+    void requestThatCannotBeMadeIsNotSent();
 
     void emptyParcelsBelongToTheTransaction();
     void deletedBeforeExecuteSendsNothing();
     void releasesTheRequestThenTheReply();
     void goesWithItsParent();
     void debugLinesAreOffByDefault();
-
-private:
-    AndroidPeer m_peer;
 };
-
-void TestAlienBinderTransaction::init()
-{
-    m_peer.setReply(Reply::data({}));
-    FakeBinder::clearLedger();
-    FakeBinder::clearRequests();
-}
-
-void TestAlienBinderTransaction::cleanup()
-{
-    QCOMPARE(FakeBinder::errors(), QStringList());
-    // The manager, the service's object and the client of the peer itself.
-    QCOMPARE(FakeBinder::leaks().size(), 3);
-}
 
 void TestAlienBinderTransaction::sendsWhatWasWrittenAndReadsTheReply()
 {
@@ -337,6 +312,23 @@ void TestAlienBinderTransaction::nullClientLeavesEmptyParcels()
         QCOMPARE(transaction.outputParcel()->readInt32(), -1);
     }
     QCOMPARE(log.lines(), texts({inputRefused, outputRefused, destroyedLine}));
+}
+
+void TestAlienBinderTransaction::requestThatCannotBeMadeIsNotSent()
+{
+    FakeBinder::failRequests();
+    AlienBinderTransaction transaction(m_peer.client(), code, withReply, nullptr);
+    FakeBinder::failRequests(false);
+    FakeBinder::clearLedger();
+    LogCapture log;
+
+    QCOMPARE(transaction.execute(), -1);
+    QVERIFY(!transaction.start());
+    transaction.inputParcel()->writeInt32(5);
+
+    QCOMPARE(log.take(), texts({inputRefused}));
+    QCOMPARE(FakeBinder::ledger(), QStringList());
+    QCOMPARE(FakeBinder::requests().size(), 0);
 }
 
 void TestAlienBinderTransaction::emptyParcelsBelongToTheTransaction()

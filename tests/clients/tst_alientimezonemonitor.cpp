@@ -42,6 +42,7 @@ private Q_SLOTS:
     void failedPushIsLoggedAndRepeatedAtTheNextConnect();
     void lossOfTheLinkSendsNothing();
     void nothingReachesADestroyedMonitor();
+    void lastDisconnectIsNotHeard();
     void pushLeavesNothingBehind();
 };
 
@@ -240,6 +241,25 @@ void TestAlienTimezoneMonitor::nothingReachesADestroyedMonitor()
     QCOMPARE(FakeBinder::ledger(),
         texts({"client_unref alarm", "remote_object_remove_handler alarm 2",
             "remote_object_unref alarm", "servicemanager_unref /dev/puddlejumper"}));
+}
+
+void TestAlienTimezoneMonitor::lastDisconnectIsNotHeard()
+{
+    MockTimedate host(oslo);
+    auto monitor = std::make_unique<AlienTimezoneMonitor>();
+    AlienBinderConnection *const link = monitor.get();
+    QStringList end;
+    LogCapture log;
+    log.setListener([&end, link](const QString &line) {
+        end.append(line);
+        if (QObject::disconnect(link, &AlienBinderConnection::connectionChanged, link, nullptr))
+            end.append(QStringLiteral("the link is still heard"));
+    });
+
+    monitor.reset();
+
+    log.setListener({});
+    QCOMPARE(end, texts({"debug com.tovra.lumd.binder Destroying alarm connection"}));
 }
 
 void TestAlienTimezoneMonitor::pushLeavesNothingBehind()

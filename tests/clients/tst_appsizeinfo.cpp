@@ -24,6 +24,10 @@ public Q_SLOTS:
     {
         return {code, data, cache};
     }
+    QList<AppSizeInfo> makeTwo(qlonglong code, qlonglong data, qlonglong cache)
+    {
+        return {{code, data, cache}, {cache, data, code}};
+    }
 };
 
 } // namespace
@@ -33,7 +37,11 @@ class TestAppSizeInfo : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { AppSizeInfo::registerMetaType(); }
+    void initTestCase()
+    {
+        AppSizeInfo::registerMetaType();
+        qDBusRegisterMetaType<QList<AppSizeInfo>>();
+    }
 
     void newValueIsZeroThroughout();
     void typeIsKnownByItsName();
@@ -105,6 +113,16 @@ void TestAppSizeInfo::travelsAsThreeNumbersInTheirOrder()
     QCOMPARE(first, code);
     QCOMPARE(second, data);
     QCOMPARE(third, cache);
+
+    // Each ends where the next one begins.
+    QDBusMessage callForTwo = QDBusMessage::createMethodCall(server.baseService(),
+        QStringLiteral("/maker"), QStringLiteral("test.Maker"), QStringLiteral("makeTwo"));
+    callForTwo << code << data << cache;
+    const QDBusPendingReply<QList<AppSizeInfo>> two = client.asyncCall(callForTwo);
+    QTRY_VERIFY(two.isFinished());
+    QCOMPARE(two.value().size(), 2);
+    QCOMPARE(two.value().last().codeBytes, cache);
+    QCOMPARE(two.value().last().cacheBytes, code);
     QDBusConnection::disconnectFromBus(QStringLiteral("server"));
     QDBusConnection::disconnectFromBus(QStringLiteral("client"));
 }

@@ -47,6 +47,7 @@ private Q_SLOTS:
     void firstLineOfTheKeyWins();
     void keyIsFoundInAFileWithoutALineFeedAtItsEnd();
     void negativeLevelIsKept();
+    void levelIsFoundWithoutStandardInput();
     void blankBehindTheEqualsSignIsSkipped();
     void otherThanAFileGivesZeroAtOnce_data();
     void otherThanAFileGivesZeroAtOnce();
@@ -170,6 +171,14 @@ void TestSdkVersion::negativeLevelIsKept()
     QVERIFY(writeProperties("ro.build.version.sdk=29\n"));
     QCOMPARE(ApkConfig::sdkVersion(), -1);
     QCOMPARE(log.lines(), QStringList());
+}
+
+void TestSdkVersion::levelIsFoundWithoutStandardInput()
+{
+    QVERIFY(writeProperties("ro.build.version.sdk=29\n"));
+    // The file is descriptor 0 then.
+    QCOMPARE(close(STDIN_FILENO), 0);
+    QCOMPARE(ApkConfig::sdkVersion(), 29);
 }
 
 // By the number's own parser; before the sign it would belong to the key.

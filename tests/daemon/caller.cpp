@@ -8,9 +8,10 @@
 // map, and "@", which is an open descriptor.
 // MANNER is "plain", "hidden" (it forbids others to look at its memory), "hasty" (it is gone
 // before the answer), "becoming:UID:GID" (it has these effective ids once it is connected),
-// "signal" (METHOD is a signal to the daemon), "owner" (it asks for the daemon's name instead) or
-// a connection's name, which is called in the daemon's place. It prints the result: "true",
-// "false", "done" or an error's words.
+// "signal" (METHOD is a signal to the daemon), "owner" (it asks for the daemon's name instead),
+// "listening" (it prints that word, and then the name of each signal of the daemon's monitor, and
+// of the interface METHOD) or a connection's name, which is called in the daemon's place. It prints
+// the result: "true", "false", "done" or an error's words.
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -24,7 +25,34 @@
 #include <cstdio>
 #include <cstdlib>
 
+class Listener : public QObject
+{
+    Q_OBJECT
+
+public Q_SLOTS:
+    void onSignal(const QDBusMessage &message)
+    {
+        std::printf("%s\n", qPrintable(message.member()));
+        std::fflush(stdout);
+    }
+};
+
 namespace {
+
+int listenTo(const QString &interface)
+{
+    Listener listener;
+    QDBusConnection bus = QDBusConnection::systemBus();
+    const QString path = QStringLiteral("/com/tovra/lumd/monitor");
+    for (const QString &each : {QStringLiteral("com.tovra.lumd.Monitor1"),
+             QStringLiteral("org.freedesktop.DBus.Properties"), interface})
+        bus.connect(QString(), path, each, QString(), &listener, SLOT(onSignal(QDBusMessage)));
+    // Answered when the bus knows what is listened to.
+    bus.interface()->isServiceRegistered(QStringLiteral("com.tovra.lumd"));
+    std::printf("listening\n");
+    std::fflush(stdout);
+    return QCoreApplication::exec();
+}
 
 // A member of "disk" beside its own group, which must not count.
 bool become(uid_t uid, gid_t gid)
@@ -98,6 +126,8 @@ int main(int argc, char **argv)
 
     QCoreApplication::setSetuidAllowed(true);
     const QCoreApplication application(argc, argv);
+    if (manner == "listening")
+        return listenTo(QString::fromUtf8(argv[4]));
     QDBusMessage message = messageOf(QString::fromLatin1(manner), QString::fromUtf8(argv[4]));
     for (int at = 5; at < argc; ++at)
         message << argumentOf(QString::fromUtf8(argv[at]));
@@ -118,3 +148,5 @@ int main(int argc, char **argv)
     // A process that hides cannot be looked through for leaks.
     _exit(EXIT_SUCCESS);
 }
+
+#include "caller.moc"

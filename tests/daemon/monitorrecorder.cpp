@@ -105,5 +105,6 @@ QStringList MonitorRecorder::listApps()
             lines.append(package + QLatin1String(": ") + launcherText(apps));
         apps.endArray();
     }
+    apps.endMap();
     return lines;
 }

@@ -16,6 +16,7 @@ private Q_SLOTS:
     void sameAnnouncementWritesNothing();
     void changedLauncherIsWrittenAgain();
     void hiddenLaunchersAreMarked();
+    void environmentIsUtf8UnderTheCLocale();
     void removedPackageLeavesNothing();
     void completeListRemovesWhatWasNotAnnounced();
     void newDaemonForgetsWhatTheOldOneWasTold();
@@ -120,6 +121,23 @@ void TestAnnouncements::hiddenLaunchersAreMarked()
         entryText(mapLauncher())
             .replace("\nType=", "\nNoDisplay=true\nType=")
             .replace("\nExec=", "\nCategories=X-QuillfinPartnerSpace\nExec="));
+}
+
+void TestAnnouncements::environmentIsUtf8UnderTheCLocale()
+{
+    makeFile(QStringLiteral("/run/l\u00efst"), QByteArrayLiteral("com.a_b.map"));
+    const auto set = [this](const char *name, const char *value) {
+        m_world->daemon->setEnvironment(QString::fromLatin1(name), QString::fromUtf8(value));
+    };
+    set("LC_ALL", "C");
+    set("ANDROID_DATA_ROOT", "/run/r\xc3\xb6t");
+    set("LUMD_PACKAGE_BLACKLIST_PATH", "/run/l\xc3\xafst");
+    QVERIFY(startServed());
+    QVERIFY(announce(mapLauncher()));
+    QCOMPARE(fileContents(mapLauncher().entryPath()),
+        entryText(mapLauncher())
+            .replace("/home/.android", "/run/r\xc3\xb6t")
+            .replace("\nType=", "\nNoDisplay=true\nType="));
 }
 
 void TestAnnouncements::removedPackageLeavesNothing()

@@ -82,6 +82,18 @@ QString reloadUsers(Who who)
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("ReloadConfig"))));
 }
 
+void startCaller(ChildProcess &caller, Who who, const QString &manner, const QString &method,
+    const QStringList &arguments = {})
+{
+    const bool isRoot = who == Who::Root || !hasManyUsers();
+    const int group = isMember(who) ? busGroupId : ordinaryId;
+    caller.start(QStringLiteral(CALLER_PROGRAM),
+        QStringList({QString::number(isRoot ? 0 : ordinaryId), QString::number(isRoot ? 0 : group),
+            manner, method})
+            + arguments,
+        {}, ChildProcess::Collect::Output);
+}
+
 /// What caller.cpp prints.
 QString call(Who who, const QString &method, const QStringList &arguments = {},
     const QString &manner = plain())
@@ -89,14 +101,8 @@ QString call(Who who, const QString &method, const QStringList &arguments = {},
     const QString trouble = reloadUsers(who);
     if (!trouble.isEmpty())
         return trouble;
-    const bool isRoot = who == Who::Root || !hasManyUsers();
-    const int group = isMember(who) ? busGroupId : ordinaryId;
     ChildProcess caller;
-    caller.start(QStringLiteral(CALLER_PROGRAM),
-        QStringList({QString::number(isRoot ? 0 : ordinaryId), QString::number(isRoot ? 0 : group),
-            manner, method})
-            + arguments,
-        {}, ChildProcess::Collect::Output);
+    startCaller(caller, who, manner, method, arguments);
     if (!caller.waitForExit() || caller.exitCode() != 0)
         return QStringLiteral("the caller failed");
     return caller.lines().join(QLatin1Char('\n'));
@@ -168,6 +174,8 @@ private Q_SLOTS:
     void noCallWithADescriptorPasses();
     void noSignalWithADescriptorPasses_data();
     void noSignalWithADescriptorPasses();
+    void whoMayCallGetsTheSignalsOfTheMonitorAndNobodyElse_data();
+    void whoMayCallGetsTheSignalsOfTheMonitorAndNobodyElse();
     void nobodyButRootOwnsTheName_data();
     void nobodyButRootOwnsTheName();
 
@@ -192,6 +200,7 @@ void TestBusPolicy::initTestCase()
 
 void TestBusPolicy::cleanup()
 {
+    m_world->systemd.setUnitStateSilently(QStringLiteral("inactive"), QStringLiteral("dead"));
     m_world->renew();
     QCOMPARE(reloadUsers(Who::Root), QString());
 }
@@ -290,6 +299,34 @@ void TestBusPolicy::noSignalWithADescriptorPasses()
     bus.unregisterService(QStringLiteral("com.tovra.lumd"));
     bus.disconnect(QString(), QString(), QStringLiteral("com.tovra.test"), QString(), this,
         SLOT(onSignal(QDBusMessage)));
+}
+
+void TestBusPolicy::whoMayCallGetsTheSignalsOfTheMonitorAndNobodyElse_data()
+{
+    addCallers();
+}
+
+void TestBusPolicy::whoMayCallGetsTheSignalsOfTheMonitorAndNobodyElse()
+{
+    QFETCH(Who, who);
+    QVERIFY(m_world->start());
+    QCOMPARE(reloadUsers(who), QString());
+    ChildProcess listener;
+    startCaller(listener, who, QStringLiteral("listening"), QStringLiteral("com.tovra.test"));
+    QVERIFY(listener.waitForLine(QStringLiteral("listening")));
+    m_world->systemd.setUnitState(QStringLiteral("activating"), QStringLiteral("start"));
+    QVERIFY(m_world->daemon->waitForLine(QStringLiteral(
+        "debug com.tovra.lumd.service Alien Dalvik is \"activating\" ( \"start\" )")));
+    QVERIFY(DaemonFixture::settle());
+    QDBusConnection::systemBus().send(
+        QDBusMessage::createSignal(QStringLiteral("/com/tovra/lumd/monitor"),
+            QStringLiteral("com.tovra.test"), QStringLiteral("End")));
+    QVERIFY(listener.waitForLine(QStringLiteral("End")));
+    QStringList told{
+        QStringLiteral("listening"), QStringLiteral("PropertiesChanged"), QStringLiteral("End")};
+    if (who == Who::Stranger)
+        told.removeAt(1);
+    QCOMPARE(listener.lines(), told);
 }
 
 void TestBusPolicy::nobodyButRootOwnsTheName_data()

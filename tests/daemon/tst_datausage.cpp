@@ -8,6 +8,8 @@
 #include "tests/support/testnamespace.h"
 
 #include <QDir>
+#include <QProcess>
+#include <QTimer>
 
 #include <csignal>
 #include <unistd.h>
@@ -53,6 +55,7 @@ private Q_SLOTS:
     void nextDuStartsWhenTheEndedOneIsGone();
     void duThatIsSlowToGoIsNotJoinedByAnother();
     void duThatCannotStartIsAnsweredFor();
+    void answerEndsTimerAndProcess();
 
 private:
     DataUsage::Answer noteAnswer();
@@ -159,6 +162,20 @@ void TestDataUsage::duThatCannotStartIsAnsweredFor()
         QTRY_COMPARE(m_answers, QVector<quint64>(count, 0));
     }
     QCOMPARE(log.lines(), QStringList({noAnswer, noAnswer}));
+}
+
+void TestDataUsage::answerEndsTimerAndProcess()
+{
+    makeFile(goOn);
+    DataUsage usage;
+    const QTimer *const timer = usage.findChild<QTimer *>();
+    // A coarse one may be more than a second early or late.
+    QCOMPARE(timer->timerType(), Qt::PreciseTimer);
+    usage.ask(QStringLiteral("/"), noteAnswer());
+    QVERIFY(timer->isActive());
+    QTRY_COMPARE(m_answers.size(), 1);
+    QVERIFY(!timer->isActive());
+    QTRY_COMPARE(usage.findChildren<QProcess *>().size(), 0);
 }
 
 LUM_TEST_MAIN(TestDataUsage)

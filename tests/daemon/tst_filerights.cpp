@@ -7,6 +7,7 @@
 
 #include <QFile>
 
+#include <grp.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -57,23 +58,42 @@ bool canRead(const char *path)
     return file.open(QIODevice::ReadOnly);
 }
 
-/// The signal that ends a process which does this; 0 for none.
-template <typename Function> int signalOf(Function function)
+/// What a process that does this says, and the signal that ends it; 0 for none.
+struct End
 {
+    int signal = 0;
+    QByteArray words;
+};
+
+template <typename Function> End endOf(Function function)
+{
+    int words[2];
+    if (pipe(words) != 0)
+        qFatal("cannot make a pipe");
     const pid_t process = fork();
     if (process == 0) {
+        dup2(words[1], STDERR_FILENO);
         // The test library would report what is to happen here as a failure.
         signal(SIGABRT, SIG_DFL);
         qInstallMessageHandler(nullptr);
         function();
         _exit(0);
     }
+    close(words[1]);
+    End end;
+    QFile reader;
+    if (reader.open(words[0], QIODevice::ReadOnly, QFile::AutoCloseHandle))
+        end.words = reader.readAll().trimmed();
     int status = 0;
     waitpid(process, &status, 0);
-    return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    end.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    return end;
 }
 
 } // namespace
+
+using Groups = std::vector<gid_t>;
+Q_DECLARE_METATYPE(Groups)
 
 class TestFileRights : public QObject
 {
@@ -86,6 +106,7 @@ private Q_SLOTS:
     void groupsThatAreUntoldAreThoseOfTheList();
     void unknownUserHasNoGroups();
     void nobodyIsOfNoGroup();
+    void rightsAreBorrowedAndGivenBack_data();
     void rightsAreBorrowedAndGivenBack();
     void otherThreadsKeepTheirs();
     void filesOpenAsForTheirOwner_data();
@@ -94,6 +115,8 @@ private Q_SLOTS:
     void processStaysAsOpenToItsDebuggerAsItWas();
     void refusedRightsAreNotInForce_data();
     void refusedRightsAreNotInForce();
+    void rightsThatCannotBeReadEndTheProcess_data();
+    void rightsThatCannotBeReadEndTheProcess();
     void rightsThatCannotBeGivenBackEndTheProcess_data();
     void rightsThatCannotBeGivenBackEndTheProcess();
 };
@@ -140,8 +163,19 @@ void TestFileRights::nobodyIsOfNoGroup()
     QCOMPARE(rights.groups, std::vector<gid_t>());
 }
 
+void TestFileRights::rightsAreBorrowedAndGivenBack_data()
+{
+    QTest::addColumn<Groups>("groups");
+    QTest::newRow("of no group") << Groups();
+    QTest::newRow("of one group") << Groups{0};
+    QTest::newRow("of several groups") << Groups{0, 7, 9};
+}
+
 void TestFileRights::rightsAreBorrowedAndGivenBack()
 {
+    QFETCH(Groups, groups);
+    if (hasUsers())
+        QCOMPARE(setgroups(groups.size(), groups.data()), 0);
     const QByteArray own = threadsRights();
     QByteArray borrowed;
     {
@@ -266,7 +300,7 @@ void TestFileRights::refusedRightsAreNotInForce_data()
 void TestFileRights::refusedRightsAreNotInForce()
 {
     QFETCH(long, systemCall);
-    const int signal = signalOf([systemCall] {
+    const End end = endOf([systemCall] {
         const QByteArray own = threadsRights();
         // The other two have no error to tell, but the id that is in force: 0.
         SystemCalls::refuse({systemCall}, systemCall == SYS_setgroups ? EPERM : 0);
@@ -274,7 +308,28 @@ void TestFileRights::refusedRightsAreNotInForce()
         if (rights.areInForce() || threadsRights() != own)
             abort();
     });
-    QCOMPARE(signal, 0);
+    QCOMPARE(end.signal, 0);
+}
+
+void TestFileRights::rightsThatCannotBeReadEndTheProcess_data()
+{
+    QTest::addColumn<long>("systemCall");
+    QTest::addColumn<QByteArray>("words");
+    QTest::newRow("groups") << long(SYS_getgroups)
+                            << QByteArray("Cannot read the groups of the process");
+    QTest::newRow("capabilities") << long(SYS_capget)
+                                  << QByteArray("Cannot read the capabilities of the process");
+}
+
+void TestFileRights::rightsThatCannotBeReadEndTheProcess()
+{
+    QFETCH(long, systemCall);
+    const End end = endOf([systemCall] {
+        SystemCalls::refuse({systemCall}, EPERM);
+        const BorrowedRights rights(nemos);
+    });
+    QCOMPARE(end.signal, SIGABRT);
+    QTEST(end.words, "words");
 }
 
 void TestFileRights::rightsThatCannotBeGivenBackEndTheProcess_data()
@@ -286,12 +341,14 @@ void TestFileRights::rightsThatCannotBeGivenBackEndTheProcess_data()
 void TestFileRights::rightsThatCannotBeGivenBackEndTheProcess()
 {
     QFETCH(long, systemCall);
-    const int signal = signalOf([systemCall] {
+    const End end = endOf([systemCall] {
         const BorrowedRights rights(nemos);
         SystemCalls::refuse({systemCall}, EPERM);
     });
     // Without other users nothing was borrowed.
-    QCOMPARE(signal, hasUsers() ? SIGABRT : 0);
+    QCOMPARE(end.signal, hasUsers() ? SIGABRT : 0);
+    QCOMPARE(end.words,
+        hasUsers() ? QByteArray("Cannot give the process its own rights back") : QByteArray());
 }
 
 LUM_TEST_MAIN(TestFileRights)

@@ -27,6 +27,7 @@ private Q_SLOTS:
 
     void runtimeThatIsDownIsStartedBesideALiveLink();
     void whatWaitsOutlastsADisconnect();
+    void disconnectMakesNoNewLink();
     void intentWaitsOnWhenTheLinkFails();
 
 private:
@@ -75,6 +76,23 @@ void TestLaunchLinks::whatWaitsOutlastsADisconnect()
     QVERIFY(DaemonFixture::settle());
     QCOMPARE(names(m_world->requests(monitor, launchCode)), QStringList{package});
     QCOMPARE(m_world->requests(activity, startActivityCode).size(), 1);
+}
+
+// The link that goes is still there to be asked while the daemon hears of it.
+void TestLaunchLinks::disconnectMakesNoNewLink()
+{
+    QVERIFY(m_world->start());
+    QCOMPARE(errorOf(DaemonFixture::call(QStringLiteral("launchIntent"), intent())), QString());
+    QVERIFY(m_world->see(QStringLiteral("active")));
+    QVERIFY(m_world->see(QStringLiteral("deactivating")));
+    QVERIFY(DaemonFixture::settle());
+    const QStringList lines = m_world->daemon->lines();
+    const auto isDown = [](const QString &line) {
+        return line.contains(QLatin1String("\"deactivating\""));
+    };
+    const auto down = std::find_if(lines.begin(), lines.end(), isDown);
+    QVERIFY(down != lines.end());
+    QCOMPARE(QStringList(down + 1, lines.end()).filter(activity), QStringList());
 }
 
 void TestLaunchLinks::intentWaitsOnWhenTheLinkFails()

@@ -107,6 +107,7 @@ private Q_SLOTS:
 
     void fileIsCopiedWhole_data();
     void fileIsCopiedWhole();
+    void firstDescriptorIsOneLikeAnother();
     void bytesMaySetOffInParts();
     void nobodyElseReadsAnUnfinishedCopy();
     void linkIsFollowed();
@@ -156,6 +157,15 @@ void TestStaging::fileIsCopiedWhole()
     writeFile(source, bytes);
     QVERIFY(stage());
     QVERIFY(readFile(copy) == bytes);
+}
+
+// The first is free in a process whose standard input is closed.
+void TestStaging::firstDescriptorIsOneLikeAnother()
+{
+    close(STDIN_FILENO);
+    QVERIFY(stage());
+    QCOMPARE(readFile(copy), contents);
+    QCOMPARE(fcntl(STDIN_FILENO, F_GETFD), -1);
 }
 
 void TestStaging::bytesMaySetOffInParts()

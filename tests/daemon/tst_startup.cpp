@@ -81,6 +81,7 @@ private Q_SLOTS:
     void translationUnderAShorterNameIsOpened();
     void quietWithoutLoggingRules();
     void startIsLoggedInOrder();
+    void hugePagesAreOff();
 };
 
 void TestStartup::otherUserIsTurnedAway()
@@ -296,6 +297,14 @@ void TestStartup::startIsLoggedInOrder()
     QCOMPARE(world.systemd.callTexts(),
         QStringList({QStringLiteral("Subscribe()"), QStringLiteral("LoadUnit(aliendalvik.service)"),
             QStringLiteral("GetAll(org.freedesktop.systemd1.Unit)")}));
+}
+
+void TestStartup::hugePagesAreOff()
+{
+    DaemonFixture world;
+    QVERIFY(world.start());
+    const QString status = QStringLiteral("/proc/%1/status").arg(world.daemon->processId());
+    QVERIFY(fileContents(status).contains("\nTHP_enabled:\t0\n"));
 }
 
 LUM_TEST_MAIN(TestStartup)

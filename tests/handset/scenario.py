@@ -21,10 +21,9 @@ class Scenario(unittest.TestCase):
         self.expected_errors = []
 
     def tearDown(self):
-        warnings = [line.text for line in self.device.log(priority="warning")]
+        warnings, errors = self.device.faults()
         self.assertEqual(warnings, self.expected_warnings)
-        self.assertEqual([event["error"] for event in self.device.runtime_errors()],
-                         self.expected_errors)
+        self.assertEqual([event["error"] for event in errors], self.expected_errors)
 
     def run(self, result=None):
         before = len(result.failures) + len(result.errors)

@@ -60,6 +60,9 @@ void TestDesktopEntryBytes::valueIsReadTheSameWithoutAnObject_data()
     row("empty at the end", "Name=", text(""));
     row("last of two", "Name=x\nName=y\n", text("y"));
     row("key within another", "Name=x\nMyName=y\nNames=z\nName[de]=w\n", text("x"));
+    row("key behind one more character", "Name=x\nXName=y\n", text("x"));
+    row("key behind two more characters", "Name=x\nXXName=y\n", text("x"));
+    row("equals sign four bytes before the key", "K=ab\nName=x\n", text("x"));
     row("key as a value", "Name=x\nOther=Name=y\n", text("x"));
     row("equals signs", "Name=a=b=\n", text("a=b="));
     row("blanks", "Name= x \n", text(" x "));

@@ -5,14 +5,21 @@
 #include "tests/support/testmain.h"
 #include "tests/support/testnamespace.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
+#include <dirent.h>
+#include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace LauncherFiles;
 
 namespace {
+
+bool hidesKinds = false;
 
 // A folder that is empty in the test's namespace.
 const QString &folder()
@@ -29,6 +36,16 @@ const QString &target()
 
 } // namespace
 
+// The C library's own, but for the kind.
+extern "C" dirent *readdir(DIR *directory)
+{
+    static const auto original = reinterpret_cast<dirent *(*)(DIR *)>(dlsym(RTLD_NEXT, "readdir"));
+    dirent *const entry = original(directory);
+    if (entry && hidesKinds)
+        entry->d_type = DT_UNKNOWN;
+    return entry;
+}
+
 class TestFileOperations : public QObject
 {
     Q_OBJECT
@@ -39,6 +56,10 @@ private Q_SLOTS:
     void fileDiffersUnlessEveryByteIsTheSame_data();
     void fileDiffersUnlessEveryByteIsTheSame();
     void fileThatCannotBeReadDiffers();
+    void firstDescriptorIsOneLikeAnother();
+    void namesAreListedAsQtListsThem_data();
+    void namesAreListedAsQtListsThem();
+    void kindsAreListedAsQtListsThem();
     void bytesAreWrittenAsTheyAre_data();
     void bytesAreWrittenAsTheyAre();
     void fileIsReplacedAndNotOverwritten();
@@ -97,6 +118,81 @@ void TestFileOperations::fileThatCannotBeReadDiffers()
     QVERIFY(fileDiffers(folder(), {}));
     QVERIFY(fileDiffers({}, {}));
     QCOMPARE(listing(folder()), QStringList());
+
+    QCOMPARE(mkfifo(qPrintable(target()), 0600), 0);
+    QVERIFY(fileDiffers(target(), {}));
+    QVERIFY(QFile::remove(target()));
+    write(target(), "a");
+    QCOMPARE(truncate(qPrintable(target()), (1 << 30) + 1), 0);
+    QVERIFY(!readFile(target()));
+    write(target(), {});
+    QVERIFY(!readFile(target() + QChar(0)));
+}
+
+// The first is free in a process whose standard input is closed.
+void TestFileOperations::firstDescriptorIsOneLikeAnother()
+{
+    write(target(), "a");
+    close(STDIN_FILENO);
+    QVERIFY(!fileDiffers(target(), "a"));
+    QCOMPARE(fcntl(STDIN_FILENO, F_GETFD), -1);
+}
+
+// Capital letters are sorted as small ones, and nothing else is, whatever lies next to them.
+void TestFileOperations::namesAreListedAsQtListsThem_data()
+{
+    QTest::addColumn<QByteArray>("prefix");
+    QTest::addColumn<QByteArray>("suffix");
+
+    QTest::newRow("of both ends") << QByteArray("pre_") << QByteArray(".end");
+    QTest::newRow("in capitals") << QByteArray("PRE_") << QByteArray(".END");
+    QTest::newRow("of ends that overlap") << QByteArray("pre_a.") << QByteArray("a.end");
+    QTest::newRow("of ends that meet") << QByteArray("pre_") << QByteArray("a.end");
+}
+
+void TestFileOperations::namesAreListedAsQtListsThem()
+{
+    QFETCH(QByteArray, prefix);
+    QFETCH(QByteArray, suffix);
+
+    for (const char *between : {"", "@", "A", "a1", "B2", "b1", "b3", "Y", "Z2", "z1", "z3", "[",
+             "_", "`", "{", "A@", "a[", "\xc3\x84", "\xc3\xa4z", "\xc3\x96z"}) {
+        for (const char *name : {"pre_%1.end", "pre_%1", "%1.end", "xpre_%1.end", "pre_%1.endx"})
+            write(folder() + QString::fromUtf8(name).arg(QString::fromUtf8(between)), "a");
+    }
+    QStringList expected;
+    const QString pattern = QString::fromLatin1(prefix + '*' + suffix);
+    for (const QString &name : QDir(folder()).entryList({pattern}))
+        expected.append(folder() + name);
+    const QStringList found =
+        listFiles(QLatin1String("/run/files/"), QLatin1String(prefix), QLatin1String(suffix));
+    QCOMPARE(found, expected);
+}
+
+// Some file systems do not tell the reader of a folder what kind each name is of.
+void TestFileOperations::kindsAreListedAsQtListsThem()
+{
+    const auto path = [](const char *name) { return folder() + QLatin1String(name); };
+    write(path("pre_file"), "a");
+    makeDirectory(path("pre_folder"));
+    QCOMPARE(mkfifo(qPrintable(path("pre_fifo")), 0600), 0);
+    QVERIFY(QFile::link(path("pre_file"), path("pre_linktofile")));
+    QVERIFY(QFile::link(path("pre_folder"), path("pre_linktofolder")));
+    QVERIFY(QFile::link(path("pre_fifo"), path("pre_linktofifo")));
+    QVERIFY(QFile::link(path("missing"), path("pre_linktonothing")));
+    QStringList expected;
+    const QStringList names = QDir(folder()).entryList({QStringLiteral("pre_*")});
+    for (const QString &name : names)
+        expected.append(folder() + name);
+    QVERIFY(expected.contains(path("pre_file")) && expected.contains(path("pre_folder")));
+    QVERIFY(!expected.contains(path("pre_fifo")) && !expected.contains(path("pre_linktonothing")));
+    for (const bool isHidden : {false, true}) {
+        hidesKinds = isHidden;
+        const QStringList found =
+            listFiles(QLatin1String("/run/files/"), QLatin1String("pre_"), QLatin1String(""));
+        hidesKinds = false;
+        QCOMPARE(found, expected);
+    }
 }
 
 void TestFileOperations::bytesAreWrittenAsTheyAre_data()

@@ -12,6 +12,7 @@ class TestUtf8 : public QObject
 private Q_SLOTS:
     void asciiIsTold_data();
     void asciiIsTold();
+    void everyByteCounts();
     void orderIsThatOfQString();
     void keyOfAsciiIsTheText();
 };
@@ -33,6 +34,19 @@ void TestUtf8::asciiIsTold()
     QFETCH(bool, isAscii);
 
     QCOMPARE(Utf8::isAscii(Utf8::view(bytes)), isAscii);
+}
+
+void TestUtf8::everyByteCounts()
+{
+    for (int size = 1; size <= 25; ++size) {
+        const QByteArray ascii(size, 'a');
+        QVERIFY(Utf8::isAscii(Utf8::view(ascii)));
+        for (int place = 0; place < size; ++place) {
+            QByteArray bytes = ascii;
+            bytes[place] = '\x80';
+            QVERIFY2(!Utf8::isAscii(Utf8::view(bytes)), qPrintable(QString::number(place)));
+        }
+    }
 }
 
 // Every pair of texts whose first difference is between characters of one to four bytes.

@@ -33,6 +33,7 @@ private Q_SLOTS:
     void deviceModeIsANumber();
     void repositoriesAreLists_data();
     void repositoriesAreLists();
+    void unknownFilterGivesNone();
     void fileIsReadAtEachCall();
 };
 
@@ -84,6 +85,13 @@ void TestVsu::repositoriesAreLists()
     configure(text);
     QCOMPARE(VsuRepoManager().repos(false, 0), usual);
     QCOMPARE(VsuRepoManager().repos(true, 0), rnd);
+}
+
+void TestVsu::unknownFilterGivesNone()
+{
+    configure("repos=apps\nrndRepos=rare\n");
+    for (const bool rnd : {false, true})
+        QCOMPARE(VsuRepoManager().repos(rnd, 1), QStringList());
 }
 
 void TestVsu::fileIsReadAtEachCall()

@@ -21,7 +21,7 @@ OLD = source('int *none()', '{', '    return 0;', '}')
 class CheckTest(TreeTest):
     def setUp(self):
         super().setUp()
-        for path in ('tools/check', 'tools/check-rules', '.clang-format', '.clang-tidy'):
+        for path in ('tools/check', 'tools/check-rules', 'tools/lint-rooms', '.clang-format', '.clang-tidy'):
             (self.root / path).parent.mkdir(exist_ok=True)
             shutil.copy(CHECKOUT / path, self.root / path)
         self.write('.gitignore', '/build/\n')

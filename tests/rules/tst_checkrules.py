@@ -90,6 +90,17 @@ class CheckRulesTest(TreeTest):
         self.write('docs/a.md', 'A special part, with 3 issues; more specific: part two.\n')
         self.assert_clean()
 
+    def testOnlyTheRecipeOfThePackageMayHaveItsEnding(self):
+        word = 'sp' + 'ec'
+        self.write('docs/a.md', f'See rpm/lumd.{word}, and ("rpm/lumd.{word}").\n')
+        self.assert_clean()
+        for name, found in ((f'lumd.{word}', word), (f'rpm/other.{word}', word),
+                            (f'arpm/lumd.{word}', word), (f'rpm/lumd.{word}s', word + 's'),
+                            (f'rpm/lumd-{word}', word), (f'rpm/lumd.{word} {word}', word)):
+            with self.subTest(name):
+                self.write('docs/a.md', f'See {name}.\n')
+                self.assert_finds(f'docs/a.md:1: refers to a document outside of the tree: {found}')
+
     def testHostsOfRegistries(self):
         for host in ('deb.de' + 'bian.org', 'archive.ub' + 'untu.com', 'py' + 'pi.org'):
             with self.subTest(host):

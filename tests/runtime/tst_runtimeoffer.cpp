@@ -12,6 +12,7 @@
 #include <QProcess>
 
 #include <fcntl.h>
+#include <grp.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -153,6 +154,7 @@ private Q_SLOTS:
 
     void launcherRunsAsTheUserOfTheSeat();
     void launcherRunsAsRootWithoutASession();
+    void launcherOfRootsOwnSessionKeepsTheGroups();
     void exitStatusOfTheLauncherIsTheResult_data();
     void exitStatusOfTheLauncherIsTheResult();
     void killedLauncherIsReported();
@@ -246,6 +248,23 @@ void TestRuntimeOffer::launcherRunsAsRootWithoutASession()
     replaceLauncher("exit 0");
     const Offer outcome = offer();
     QCOMPARE(readFile(record), rootsIds() + launcherProgram.toLatin1() + "\n" + arguments());
+    QCOMPARE(outcome.returns, QByteArray("caller 0\n"));
+    QCOMPARE(outcome.errors, QByteArray());
+}
+
+void TestRuntimeOffer::launcherOfRootsOwnSessionKeepsTheGroups()
+{
+    // Where there is but root, it has no other groups.
+    const bool hasUsers = SystemCalls::hasUser(seatUser);
+    TestNamespace::setActiveSession(0);
+    replaceLauncher("exit 0");
+    const Offer outcome = offer([hasUsers] {
+        const gid_t group = 5002;
+        if (hasUsers && setgroups(1, &group) != 0)
+            qFatal("cannot join a group");
+    });
+    const QByteArray ids = hasUsers ? QByteArray("0\n0\n0 5002\n") : rootsIds();
+    QCOMPARE(readFile(record), ids + launcherProgram.toLatin1() + "\n" + arguments());
     QCOMPARE(outcome.returns, QByteArray("caller 0\n"));
     QCOMPARE(outcome.errors, QByteArray());
 }

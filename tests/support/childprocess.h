@@ -2,13 +2,16 @@
 #pragma once
 
 #include <QMap>
+#include <QProcess>
 #include <QString>
 #include <QStringList>
+#include <QTemporaryFile>
 
-#include <memory>
+#include <functional>
+#include <vector>
 
-/// A program that runs beside the test and dies with it. What it prints is collected line
-/// by line in a thread, so that it never blocks on a full pipe.
+/// A program that runs beside the test and dies with it. What it prints goes into a file, so that
+/// it never blocks on a full pipe, and nobody need read while it runs.
 class ChildProcess
 {
 public:
@@ -16,7 +19,7 @@ public:
     enum class Collect { Output, Errors, Both };
     using Environment = QMap<QString, QString>;
 
-    ChildProcess();
+    ChildProcess() = default;
     /// Kills the program if it still runs.
     ~ChildProcess();
     Q_DISABLE_COPY(ChildProcess)
@@ -26,7 +29,7 @@ public:
     void start(const QString &program, const QStringList &arguments, const Environment &environment,
         Collect collect);
     /// 0 before the start.
-    int processId() const;
+    int processId() const { return m_processId; }
     bool isRunning() const;
     void signal(int number);
     /// Kills it and waits for its end.
@@ -46,6 +49,25 @@ public:
     int exitCode() const;
 
 private:
-    class Private;
-    std::unique_ptr<Private> m_d;
+    class Program : public QProcess
+    {
+    public:
+        void setVariables(const Environment &environment);
+
+    protected:
+        void setupChildProcess() override;
+
+    private:
+        std::vector<QByteArray> m_variables;
+        std::vector<char *> m_environment;
+    };
+
+    bool waitFor(int deadline, const std::function<bool()> &condition);
+
+    int m_processId = 0;
+    // What a look brings up to date.
+    mutable Program m_program;
+    mutable QTemporaryFile m_output;
+    mutable QByteArray m_begunLine;
+    mutable QStringList m_lines;
 };

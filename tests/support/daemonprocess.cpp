@@ -15,7 +15,7 @@
 #ifdef MEASURES_COVERAGE
 namespace {
 
-// A process that has just been started blocks every signal, and then none, before it does so.
+// A process that has just been started blocks none yet.
 bool blocksOnlySignal(int processId, int number)
 {
     QFile status(QStringLiteral("/proc/%1/status").arg(processId));

@@ -15,6 +15,30 @@
 
 namespace {
 
+struct Test
+{
+    QByteArray name;
+    const QMetaObject *metaObject = nullptr;
+    TestMain::Factory factory;
+};
+
+std::vector<Test> &tests()
+{
+    static std::vector<Test> all;
+    return all;
+}
+
+/// The executable's only test, or the one that it was started by the name of.
+const Test *testNamed(const QByteArray &program)
+{
+    const QByteArray name = program.mid(program.lastIndexOf('/') + 1);
+    const auto isNamed = [&name](const Test &test) { return test.name == name; };
+    const auto found = std::find_if(tests().cbegin(), tests().cend(), isNamed);
+    if (found != tests().cend())
+        return &*found;
+    return tests().size() == 1 ? &tests().front() : nullptr;
+}
+
 /// What QTest takes for a test function.
 std::vector<QByteArray> testFunctions(const QMetaObject &metaObject)
 {
@@ -89,9 +113,19 @@ void TestMain::clearEnvironment()
     qputenv("XDG_CONFIG_HOME", "/run/config");
 }
 
-int TestMain::run(int argc, char **argv, const QMetaObject &metaObject, const Factory &factory)
+namespace {
+
+void listEntries()
 {
-    const std::vector<QByteArray> functions = testFunctions(metaObject);
+    for (const Test &test : tests()) {
+        for (const QByteArray &function : testFunctions(*test.metaObject))
+            printf("%s.%s\n", test.name.constData(), function.constData());
+    }
+}
+
+int runTest(int argc, char **argv, const Test &test)
+{
+    const std::vector<QByteArray> functions = testFunctions(*test.metaObject);
     bool isNamed = false;
     bool isInformation = false;
     for (int i = 1; i < argc; ++i) {
@@ -110,6 +144,30 @@ int TestMain::run(int argc, char **argv, const QMetaObject &metaObject, const Fa
         TestNamespace::enter();
     }
     QCoreApplication application(argc, argv);
-    const std::unique_ptr<QObject> test = factory();
-    return QTest::qExec(test.get(), argc, argv);
+    const std::unique_ptr<QObject> object = test.factory();
+    return QTest::qExec(object.get(), argc, argv);
+}
+
+} // namespace
+
+TestMain::Registration::Registration(
+    const char *source, const QMetaObject &metaObject, const Factory &factory)
+{
+    QByteArray name(source);
+    name = name.mid(name.lastIndexOf('/') + 1);
+    tests().push_back({name.left(name.indexOf('.')), &metaObject, factory});
+}
+
+int TestMain::run(int argc, char **argv)
+{
+    if (argc == 2 && qstrcmp(argv[1], "-entries") == 0) {
+        listEntries();
+        return 0;
+    }
+    const Test *const test = testNamed(argv[0]);
+    if (!test) {
+        fprintf(stderr, "%s: start this by a link with the name of a test\n", argv[0]);
+        return 1;
+    }
+    return runTest(argc, argv, *test);
 }

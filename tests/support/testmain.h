@@ -15,12 +15,20 @@ using Factory = std::function<std::unique_ptr<QObject>()>;
 /// Takes the variables that lumd, Qt's logging and D-Bus read out of the environment.
 void clearEnvironment();
 
-/// What LUM_TEST_MAIN expands to. Gives the exit code, 0 only if all went well.
-int run(int argc, char **argv, const QMetaObject &metaObject, const Factory &factory);
+/// Adds a test class to the executable, under the name of its source without ".cpp".
+class Registration
+{
+public:
+    Registration(const char *source, const QMetaObject &metaObject, const Factory &factory);
+};
+
+/// What the executable's main function does. Gives the exit code, 0 only if all went well.
+int run(int argc, char **argv);
 
 } // namespace TestMain
 
-/// The main function of a test executable.
+/// Makes the class a test of the executable. Where that has several, it is started by a link with
+/// the name of the one to run. "-entries" lists the functions of all.
 ///
 /// With no test function named, each function runs in a process of its own, so that
 /// process-wide singletons are new for each. With functions named, the process enters the
@@ -28,8 +36,5 @@ int run(int argc, char **argv, const QMetaObject &metaObject, const Factory &fac
 /// variables that lumd, Qt's logging and D-Bus read are taken out of the environment first,
 /// and the locale is C.UTF-8.
 #define LUM_TEST_MAIN(TestClass)                                                                   \
-    int main(int argc, char **argv)                                                                \
-    {                                                                                              \
-        return TestMain::run(argc, argv, TestClass::staticMetaObject,                              \
-            [] { return std::make_unique<TestClass>(); });                                         \
-    }
+    static const TestMain::Registration registrationOf##TestClass(                                 \
+        __FILE__, TestClass::staticMetaObject, [] { return std::make_unique<TestClass>(); });

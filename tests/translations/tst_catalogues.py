@@ -7,22 +7,29 @@ import xml.etree.ElementTree
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
-FOLDERS = ('config', 'runtime', 'binder', 'clients', 'launcher', 'daemon')
+# Where each program's texts are used, by the name that its catalogues begin with.
+PROGRAMS = {
+    'lumd': ('config', 'runtime', 'binder', 'clients', 'launcher', 'daemon'),
+    'lumctl': ('companions/lumctl',),
+}
 
 
-def ids_in_sources():
+def sources(program):
+    return [path for folder in PROGRAMS[program] for path in sorted((ROOT / folder).glob('*.cpp'))]
+
+
+def ids_in_sources(program):
     """The ids by the files that use them."""
     found = {}
-    for folder in FOLDERS:
-        for path in sorted((ROOT / folder).glob('*.cpp')):
-            for name in re.findall(r'\bqtTrId\(\s*"([^"]+)"', path.read_text()):
-                found.setdefault(name, set()).add(path.name)
+    for path in sources(program):
+        for name in re.findall(r'\bqtTrId\(\s*"([^"]+)"', path.read_text()):
+            found.setdefault(name, set()).add(path.name)
     return found
 
 
-def calls_in_sources():
-    return sum(path.read_text().count('qtTrId(')
-               for folder in FOLDERS for path in (ROOT / folder).glob('*.cpp'))
+def catalogues(program):
+    return [ROOT / 'translations' / f'{program}-de.ts',
+            ROOT / 'translations' / f'{program}_eng_en.ts']
 
 
 def messages(catalogue):
@@ -38,39 +45,45 @@ def messages(catalogue):
 
 
 class Catalogues(unittest.TestCase):
-    catalogues = sorted((ROOT / 'translations').glob('*.ts'))
-
     def test_engineeringEnglishAndALanguageAreThere(self):
-        self.assertEqual([path.name for path in self.catalogues], ['lumd-de.ts', 'lumd_eng_en.ts'])
+        expected = [path.name for program in PROGRAMS for path in catalogues(program)]
+        self.assertEqual(sorted(path.name for path in (ROOT / 'translations').glob('*.ts')),
+                         sorted(expected))
 
     def test_everyCallNamesItsId(self):
         # An id that is put together at run time could not be looked for.
-        calls = sum(len(re.findall(r'\bqtTrId\(\s*"[^"]+"\)', path.read_text()))
-                    for folder in FOLDERS for path in (ROOT / folder).glob('*.cpp'))
-        self.assertEqual(calls, calls_in_sources())
-        self.assertIn('Aborted', ids_in_sources())
+        for program in PROGRAMS:
+            texts = [path.read_text() for path in sources(program)]
+            calls = sum(len(re.findall(r'\bqtTrId\(\s*"[^"]+"\)', text)) for text in texts)
+            self.assertEqual(calls, sum(text.count('qtTrId(') for text in texts), program)
+        self.assertIn('Aborted', ids_in_sources('lumd'))
+        self.assertIn('lumctl-no-lumd', ids_in_sources('lumctl'))
 
     def test_everyIdHasAFinishedText(self):
-        for catalogue in self.catalogues:
-            texts = messages(catalogue)
-            for name in ids_in_sources():
-                with self.subTest(catalogue=catalogue.name, id=name):
-                    self.assertIn(name, texts)
-                    _, translation, kind = texts[name]
-                    self.assertIsNone(kind)
-                    self.assertTrue(translation and translation.strip())
-                    self.assertFalse(translation.startswith('lumd-'))
+        for program in PROGRAMS:
+            for catalogue in catalogues(program):
+                texts = messages(catalogue)
+                for name in ids_in_sources(program):
+                    with self.subTest(catalogue=catalogue.name, id=name):
+                        self.assertIn(name, texts)
+                        _, translation, kind = texts[name]
+                        self.assertIsNone(kind)
+                        self.assertTrue(translation and translation.strip())
+                        self.assertFalse(translation.startswith(f'{program}-'))
 
     def test_noTextIsWithoutUse(self):
-        for catalogue in self.catalogues:
-            self.assertEqual(set(messages(catalogue)), set(ids_in_sources()), catalogue.name)
+        for program in PROGRAMS:
+            for catalogue in catalogues(program):
+                self.assertEqual(set(messages(catalogue)), set(ids_in_sources(program)),
+                                 catalogue.name)
 
     def test_placeholdersAreKept(self):
-        for catalogue in self.catalogues:
-            for name, (source, translation, _) in messages(catalogue).items():
-                with self.subTest(catalogue=catalogue.name, id=name):
-                    self.assertEqual(sorted(re.findall(r'%\d', source)),
-                                     sorted(re.findall(r'%\d', translation)))
+        for program in PROGRAMS:
+            for catalogue in catalogues(program):
+                for name, (source, translation, _) in messages(catalogue).items():
+                    with self.subTest(catalogue=catalogue.name, id=name):
+                        self.assertEqual(sorted(re.findall(r'%\d', source)),
+                                         sorted(re.findall(r'%\d', translation)))
         english = messages(ROOT / 'translations' / 'lumd_eng_en.ts')
         self.assertIn('%1', english['lumd-launch_alien_to_start_android_app'][1])
 

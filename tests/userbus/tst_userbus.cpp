@@ -1,16 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "userbus/userbus.h"
 
-#include "tests/support/logcapture.h"
 #include "tests/support/ownclock.h"
-#include "tests/support/privatebus.h"
 #include "tests/support/testmain.h"
-#include "tests/userbus/rawpeer.h"
-#include "tests/userbus/recorder.h"
+#include "tests/userbus/userbusworld.h"
 
 #include <cerrno>
 #include <csignal>
-#include <optional>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -22,8 +18,6 @@ namespace {
 const QString a = QStringLiteral("a");
 const QString b = QStringLiteral("b");
 const QString c = QStringLiteral("c");
-const QString dropped = QStringLiteral("warning com.tovra.lumd.daemon User's bus not reached in "
-                                       "10 s, dropping message: test.Recorder.Note");
 
 /// Why nothing is delivered, and how that ends.
 class Hindrance
@@ -80,14 +74,6 @@ void Hindrance::end()
     peer.reset();
     bus.emplace(PrivateBus::Kind::User, 1000);
     recorder.emplace();
-}
-
-/// Has the event loop turn until nothing is left to do at once.
-void settle()
-{
-    bool isDone = false;
-    QTimer::singleShot(50, [&isDone] { isDone = true; });
-    QTRY_VERIFY(isDone);
 }
 
 } // namespace
@@ -165,12 +151,12 @@ void TestUserBus::hinderedMessageIsDroppedAfterTenSeconds()
     settle();
     QCOMPARE(log.lines(), QStringList());
     shiftClock(500ms);
-    QTRY_COMPARE(log.lines(), QStringList{dropped});
+    QTRY_COMPARE(log.lines(), QStringList{UserBusWorld::dropped()});
     // Nothing waits, so nothing is tried.
     QVERIFY(!bus.findChild<QTimer *>()->isActive());
     shiftClock(20s);
     settle();
-    QCOMPARE(log.lines(), QStringList{dropped});
+    QCOMPARE(log.lines(), QStringList{UserBusWorld::dropped()});
 }
 
 void TestUserBus::youngMessagesArriveOnceTheBusIsThere()
@@ -187,12 +173,12 @@ void TestUserBus::youngMessagesArriveOnceTheBusIsThere()
     bus.post(Recorder::note(c));
     settle();
     shiftClock(5s);
-    QTRY_COMPARE(log.lines(), QStringList{dropped});
+    QTRY_COMPARE(log.lines(), QStringList{UserBusWorld::dropped()});
     world.end();
     shiftClock(1s);
     QTRY_COMPARE(
         world.recorder->texts().mid(kind == Hindrance::StoppedAfter ? 1 : 0), QStringList({b, c}));
-    QCOMPARE(log.lines(), QStringList{dropped});
+    QCOMPARE(log.lines(), QStringList{UserBusWorld::dropped()});
 }
 
 void TestUserBus::nextMessageArrivesAfterALostOne()
@@ -205,7 +191,7 @@ void TestUserBus::nextMessageArrivesAfterALostOne()
     bus.post(Recorder::note(a));
     settle();
     shiftClock(10s);
-    QTRY_COMPARE(log.lines(), QStringList{dropped});
+    QTRY_COMPARE(log.lines(), QStringList{UserBusWorld::dropped()});
     world.end();
     bus.post(Recorder::note(b));
     QTRY_COMPARE(

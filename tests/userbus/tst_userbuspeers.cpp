@@ -1,14 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "userbus/busstrings.h"
-#include "userbus/userbus.h"
 
-#include "tests/support/logcapture.h"
 #include "tests/support/ownclock.h"
 #include "tests/support/testmain.h"
-#include "tests/userbus/rawpeer.h"
-#include "tests/userbus/recorder.h"
-
-#include <optional>
+#include "tests/userbus/userbusworld.h"
 
 #include <dirent.h>
 #include <sys/socket.h>
@@ -19,16 +14,6 @@ using namespace std::chrono_literals;
 namespace {
 
 const QString a = QStringLiteral("a");
-const QString dropped = QStringLiteral("warning com.tovra.lumd.daemon User's bus not reached in "
-                                       "10 s, dropping message: test.Recorder.Note");
-
-/// Has the event loop turn until nothing is left to do at once.
-void settle()
-{
-    bool isDone = false;
-    QTimer::singleShot(50, [&isDone] { isDone = true; });
-    QTRY_VERIFY(isDone);
-}
 
 } // namespace
 
@@ -56,30 +41,25 @@ private:
     /// Has a message delivered, so that a connection is up; gives it.
     int join();
 
-    std::optional<LogCapture> m_log;
-    std::optional<RawPeer> m_peer;
-    std::optional<UserBus> m_bus;
+    std::optional<UserBusWorld> m_world;
 };
 
 void TestUserBusPeers::init()
 {
-    m_log.emplace();
-    m_peer.emplace();
-    m_bus.emplace();
+    m_world.emplace();
+    m_world->peer.emplace();
 }
 
 void TestUserBusPeers::cleanup()
 {
-    m_bus.reset();
-    m_peer.reset();
-    m_log.reset();
+    m_world.reset();
 }
 
 int TestUserBusPeers::join()
 {
-    m_bus->post(Recorder::note(a));
-    const int connection = m_peer->accept();
-    m_peer->welcome(connection);
+    m_world->bus->post(Recorder::note(a));
+    const int connection = m_world->peer->accept();
+    m_world->peer->welcome(connection);
     QByteArray heard;
     const auto isDelivered = [&heard, connection] {
         heard += RawPeer::read(connection);
@@ -90,8 +70,8 @@ int TestUserBusPeers::join()
 
 void TestUserBusPeers::noDescriptorsAreNegotiated()
 {
-    m_bus->post(Recorder::note(a));
-    const int connection = m_peer->accept();
+    m_world->bus->post(Recorder::note(a));
+    const int connection = m_world->peer->accept();
     QByteArray heard;
     QTRY_VERIFY((heard += RawPeer::read(connection)).contains("BEGIN"));
     QVERIFY2(heard.startsWith(QByteArray("\0AUTH EXTERNAL", 14)), heard.constData() + 1);
@@ -100,41 +80,41 @@ void TestUserBusPeers::noDescriptorsAreNegotiated()
 
 void TestUserBusPeers::hangingAttemptIsClosedWhenNothingWaits()
 {
-    m_bus->post(Recorder::note(a));
-    const int first = m_peer->accept();
+    m_world->bus->post(Recorder::note(a));
+    const int first = m_world->peer->accept();
     settle();
     shiftClock(8s);
-    m_bus->post(Recorder::note(a));
+    m_world->bus->post(Recorder::note(a));
     settle();
     QVERIFY(!RawPeer::hasEnded(first));
     shiftClock(2s);
     QTRY_VERIFY(RawPeer::hasEnded(first));
-    const int second = m_peer->waitForConnection();
+    const int second = m_world->peer->waitForConnection();
     QVERIFY(second >= 0);
     // It has two seconds left when the last message is dropped.
     shiftClock(8s);
     settle();
     QVERIFY(RawPeer::hasEnded(second));
-    QCOMPARE(m_log->lines(), QStringList({dropped, dropped}));
-    QCOMPARE(m_peer->acceptAll(), 2);
+    QCOMPARE(m_world->log.lines(), QStringList({UserBusWorld::dropped(), UserBusWorld::dropped()}));
+    QCOMPARE(m_world->peer->acceptAll(), 2);
 }
 
 void TestUserBusPeers::hangingAttemptIsBegunAnewAfterTenSeconds()
 {
-    m_bus->post(Recorder::note(a));
-    const int connection = m_peer->accept();
+    m_world->bus->post(Recorder::note(a));
+    const int connection = m_world->peer->accept();
     settle();
     shiftClock(9s);
-    m_bus->post(Recorder::note(a));
+    m_world->bus->post(Recorder::note(a));
     settle();
     shiftClock(1s);
     QTRY_VERIFY(RawPeer::hasEnded(connection));
-    const int next = m_peer->waitForConnection();
+    const int next = m_world->peer->waitForConnection();
     QVERIFY(next >= 0);
-    m_peer->welcome(next);
+    m_world->peer->welcome(next);
     QByteArray heard;
     QTRY_VERIFY((heard += RawPeer::read(next)).contains("Note"));
-    QCOMPARE(m_log->lines(), QStringList{dropped});
+    QCOMPARE(m_world->log.lines(), QStringList{UserBusWorld::dropped()});
 }
 
 void TestUserBusPeers::connectionThatIsUpIsKept()
@@ -144,50 +124,50 @@ void TestUserBusPeers::connectionThatIsUpIsKept()
     shiftClock(60s);
     settle();
     QVERIFY(!RawPeer::hasEnded(connection));
-    QVERIFY(!m_bus->findChild<QTimer *>()->isActive());
+    QVERIFY(!m_world->bus->findChild<QTimer *>()->isActive());
     // The question of the next message is not answered: the message is not sent.
-    m_bus->post(Recorder::note(a));
+    m_world->bus->post(Recorder::note(a));
     QByteArray heard;
     QTRY_VERIFY((heard += RawPeer::read(connection)).contains("GetId"));
     shiftClock(10s);
     QTRY_VERIFY(RawPeer::hasEnded(connection));
     heard += RawPeer::read(connection);
     QVERIFY(!heard.contains("Note"));
-    QCOMPARE(m_log->lines(), QStringList{dropped});
+    QCOMPARE(m_world->log.lines(), QStringList{UserBusWorld::dropped()});
 }
 
 void TestUserBusPeers::closedConnectionIsNotMadeAnewWithinASecond()
 {
-    m_bus->post(Recorder::note(a));
-    ::shutdown(m_peer->accept(), SHUT_RDWR);
+    m_world->bus->post(Recorder::note(a));
+    ::shutdown(m_world->peer->accept(), SHUT_RDWR);
     settle();
-    QCOMPARE(m_peer->acceptAll(), 1);
+    QCOMPARE(m_world->peer->acceptAll(), 1);
     for (int attempts = 2; attempts <= 6; ++attempts) {
         shiftClock(1s);
-        const int connection = m_peer->waitForConnection();
+        const int connection = m_world->peer->waitForConnection();
         QVERIFY(connection >= 0);
         ::shutdown(connection, SHUT_RDWR);
         settle();
     }
-    QCOMPARE(m_peer->acceptAll(), 6);
+    QCOMPARE(m_world->peer->acceptAll(), 6);
 }
 
 void TestUserBusPeers::peerThatReadsNothingHoldsNobody()
 {
     const int connection = join();
     QVERIFY(connection >= 0);
-    m_bus->post(Recorder::note(QString(4000000, QLatin1Char('a'))));
+    m_world->bus->post(Recorder::note(QString(4000000, QLatin1Char('a'))));
     QByteArray heard;
     QTRY_VERIFY((heard += RawPeer::read(connection)).contains("GetId"));
     QVERIFY(RawPeer::write(connection, RawPeer::answer(2, 3, "id")) > 0);
     settle();
     // The rest of the great one is in the way of the question.
-    m_bus->post(Recorder::note(a));
+    m_world->bus->post(Recorder::note(a));
     settle();
     QVERIFY(!RawPeer::hasEnded(connection));
     shiftClock(10s);
     QTRY_VERIFY(RawPeer::hasEnded(connection));
-    QCOMPARE(m_log->lines(), QStringList{dropped});
+    QCOMPARE(m_world->log.lines(), QStringList{UserBusWorld::dropped()});
 }
 
 void TestUserBusPeers::peerThatNeverEndsHoldsNobody()
@@ -215,7 +195,7 @@ void TestUserBusPeers::nobodyIsAnswered()
     QVERIFY(RawPeer::write(connection, RawPeer::ping(2)) > 0);
     settle();
     QCOMPARE(RawPeer::read(connection), QByteArray());
-    m_bus->post(Recorder::note(a));
+    m_world->bus->post(Recorder::note(a));
     QByteArray heard;
     QTRY_VERIFY((heard += RawPeer::read(connection)).contains("GetId"));
     QVERIFY(!RawPeer::hasEnded(connection));
@@ -235,8 +215,8 @@ void TestUserBusPeers::nonsenseEndsTheConnection()
     if (isUp) {
         connection = join();
     } else {
-        m_bus->post(Recorder::note(a));
-        connection = m_peer->accept();
+        m_world->bus->post(Recorder::note(a));
+        connection = m_world->peer->accept();
     }
     QVERIFY(RawPeer::write(connection, QByteArray(200, 'x') + "\r\n\r\n\r\n") > 0);
     QTRY_VERIFY(RawPeer::hasEnded(connection));

@@ -89,9 +89,9 @@ int main(int argc, char **argv)
 {
     const QMap<QString, Function> all = functions();
     const QString argument = QString::fromLocal8Bit(argc > 1 ? argv[1] : "");
-    if (argument == QLatin1String("-functions")) {
+    if (argument == QLatin1String("-entries")) {
         for (const QString &name : all.keys())
-            printf("%s()\n", qPrintable(name));
+            printf("tst_lumdapps.%s\n", qPrintable(name));
         return 0;
     }
     if (argument.isEmpty())

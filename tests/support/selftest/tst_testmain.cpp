@@ -97,18 +97,18 @@ void TestTestMain::everyFunctionBecomesAnEntryOfItsOwn()
     const QTemporaryDir folder;
     const QString entries = folder.filePath(QStringLiteral("entries.cmake"));
     const Run discovery = run(QStringLiteral(CMAKE_PROGRAM),
-        {QStringLiteral("-DTEST_EXECUTABLE=" SAMPLE_TEST), QStringLiteral("-DTEST_NAME=sample"),
-            QStringLiteral("-DENTRIES=") + entries, QStringLiteral("-P"),
-            QStringLiteral(DISCOVER_TESTS)});
+        {QStringLiteral("-DTEST_EXECUTABLE=" SAMPLE_TEST), QStringLiteral("-DENTRIES=") + entries,
+            QStringLiteral("-P"), QStringLiteral(DISCOVER_TESTS)});
     QCOMPARE(discovery.exitCode, 0);
     QFile file(entries);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QString expected;
     for (const char *name :
         {"passes", "leavesAMark", "alsoFindsNoMark", "rows", "fails", "crashes"}) {
-        expected += QStringLiteral("add_test([=[sample.%1]=] [=[" SAMPLE_TEST "]=] [=[%1]=])\n"
-                                   "set_tests_properties([=[sample.%1]=] PROPERTIES TIMEOUT 240)\n")
-                        .arg(QString::fromLatin1(name));
+        expected +=
+            QStringLiteral("add_test([=[sampletest.%1]=] [=[" SAMPLE_TEST "]=] [=[%1]=])\n"
+                           "set_tests_properties([=[sampletest.%1]=] PROPERTIES TIMEOUT 240)\n")
+                .arg(QString::fromLatin1(name));
     }
     QCOMPARE(QString::fromUtf8(file.readAll()), expected);
 }
@@ -118,9 +118,8 @@ void TestTestMain::anExecutableWithoutAnswerIsNotDiscovered()
     const QTemporaryDir folder;
     const QString entries = folder.filePath(QStringLiteral("entries.cmake"));
     const Run discovery = run(QStringLiteral(CMAKE_PROGRAM),
-        {QStringLiteral("-DTEST_EXECUTABLE=/bin/true"), QStringLiteral("-DTEST_NAME=sample"),
-            QStringLiteral("-DENTRIES=") + entries, QStringLiteral("-P"),
-            QStringLiteral(DISCOVER_TESTS)});
+        {QStringLiteral("-DTEST_EXECUTABLE=/bin/true"), QStringLiteral("-DENTRIES=") + entries,
+            QStringLiteral("-P"), QStringLiteral(DISCOVER_TESTS)});
     QVERIFY(discovery.exitCode != 0);
     QVERIFY(discovery.errors.contains(QStringLiteral("/bin/true has no test function")));
     QVERIFY(!QFile::exists(entries));

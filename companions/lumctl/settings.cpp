@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "client/shownname.h"
+#include "command.h"
+#include "launchrequest.h"
+
+namespace {
+
+QString summary()
+{
+    return qtTrId("lumctl-settings-summary");
+}
+
+ExitCode run(Session &session)
+{
+    const auto named = session.findNamed(session.arguments.first());
+    if (!named)
+        return session.failure();
+    const QString &package = named->app.package;
+    return requestLaunch(session, QStringLiteral("package:") + package,
+        qtTrId("lumctl-settings-done").arg(shownName(named->app.name())), [&session, &package] {
+            return session.ask<Nothing>(&LumdClient::openSettings, package).error;
+        });
+}
+
+} // namespace
+
+const Command settingsCommand = {
+    "settings", summary, "NAME", 1, 1, usualTimeLimit, addExactOption, run};

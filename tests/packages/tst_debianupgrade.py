@@ -1,0 +1,139 @@
+# SPDX-License-Identifier: BSD-3-Clause
+"""Install and upgrade of the Debian package: what the service manager is asked for, and what is
+left when either is cut short."""
+
+import unittest
+
+import debianhandset
+
+
+class Service(debianhandset.HandsetTest):
+
+    def testTheUnitIsEnabledAndStartedWithoutWaiting(self):
+        self.assertEqual(self.on_handset(r'''
+            fake_systemd
+            install_lumd
+            cat /tmp/systemctl
+            readlink /etc/systemd/system/multi-user.target.wants/lumd.service
+            '''), 'daemon-reload\nis-enabled --quiet lumd.service\n'
+                  '--quiet --no-block restart lumd.service\n/usr/lib/systemd/system/lumd.service\n')
+
+    def testAnUpgradeRestartsOnceAndNeverStops(self):
+        self.assertEqual(self.on_handset(r'''
+            install_lumd
+            make_newer
+            fake_systemd
+            dpkg --install /tmp/newer.deb >/dev/null 2>&1
+            grep lumd /tmp/systemctl
+            '''), 'is-enabled --quiet lumd.service\n--quiet --no-block restart lumd.service\n')
+
+    def testADisabledUnitStaysSo(self):
+        self.assertEqual(self.on_handset(r'''
+            install_lumd
+            systemctl --quiet disable lumd.service
+            make_newer
+            fake_systemd
+            sed -i '/^echo/a case $1 in is-enabled) exit 1 ;; esac' /usr/bin/systemctl
+            dpkg --install /tmp/newer.deb >/dev/null 2>&1
+            grep lumd /tmp/systemctl
+            find /etc/systemd/system -name 'lumd*'
+            '''), 'is-enabled --quiet lumd.service\n--quiet --no-block try-restart lumd.service\n')
+
+    def testNothingIsStartedAgainstTheAdministratorsPolicy(self):
+        self.assertEqual(self.on_handset(r'''
+            printf '#!/bin/sh\nexit 101\n' >/usr/sbin/policy-rc.d
+            chmod +x /usr/sbin/policy-rc.d
+            fake_systemd
+            install_lumd
+            grep lumd /tmp/systemctl
+            '''), 'is-enabled --quiet lumd.service\n')
+
+    def testRemoveStops(self):
+        self.assertEqual(self.on_handset(r'''
+            install_lumd
+            fake_systemd
+            dpkg --remove lumd >/dev/null
+            grep lumd /tmp/systemctl
+            '''), 'stop lumd.service\n')
+
+
+class Upgrade(debianhandset.HandsetTest):
+
+    def testAnUpgradeKeepsEntriesMarkersAndSettings(self):
+        self.assertEqual(self.on_handset(r'''
+            install_lumd
+            echo entry >/usr/share/applications/lumd_launcher_a-b.desktop
+            echo icon >/var/lib/lumd/lumd_launcher_a-b.png
+            echo page >/usr/share/tovra-settings/entries/lumd_launcher_a-b.json
+            touch /usr/share/lumd/partnerspace/a.apk
+            echo com.example.hidden >>/etc/lumd/app-blacklist
+            make_newer
+            show >/tmp/before
+            dpkg --install /tmp/newer.deb >/dev/null
+            show | diff /tmp/before -
+            dpkg-query --showformat '${Version}\n' --show lumd
+            '''), '0.1.0+later\n')
+
+    # dpkg ends wherever it is; the next command brings the package to a good end.
+    def testAnInstallThatIsKilledIsFinishedLater(self):
+        self.assertEqual(self.on_handset(r'''
+            install_lumd
+            echo entry >/usr/share/applications/lumd_launcher_a-b.desktop
+            make_newer
+            for pause in 0.01 0.02 0.04 0.06 0.08 0.1 0.13 0.16 0.2 0.25 0.3 0.4; do
+                for package in /tmp/newer.deb "$lumd"; do
+                    (timeout --signal=KILL "$pause" dpkg --install "$package" || :) >/dev/null 2>&1
+                    dpkg-query --showformat '${db:Status-Abbrev}\n' --show lumd >>/tmp/states
+                    dpkg --configure --pending >/dev/null 2>&1 || :
+                    dpkg --install "$package" >/dev/null 2>&1
+                    dpkg --audit
+                    dpkg --verify lumd
+                done
+            done
+            cat /usr/share/applications/lumd_launcher_a-b.desktop
+            # Some were caught at work.
+            [ "$(sort -u /tmp/states | wc -l)" -gt 1 ]
+            '''), 'entry\n')
+
+    def testBetweenUnpackAndConfigureTheOldDaemonRunsOn(self):
+        self.assertEqual(self.on_handset(r'''
+            install_lumd
+            make_newer
+            fake_systemd
+            dpkg --unpack /tmp/newer.deb >/dev/null
+            grep lumd /tmp/systemctl || echo nothing yet
+            dpkg --configure --pending >/dev/null 2>&1
+            grep lumd /tmp/systemctl
+            '''), 'nothing yet\nis-enabled --quiet lumd.service\n'
+                  '--quiet --no-block restart lumd.service\n')
+
+    def testAFullDiskLeavesTheOldVersionWhole(self):
+        self.assertEqual(self.on_handset(r'''
+            install_lumd
+            make_newer
+            cp -a /usr/share/translations /tmp/translations
+            mount -t tmpfs -o size=64k tmpfs /usr/share/translations
+            cp -a /tmp/translations/. /usr/share/translations/
+            dd if=/dev/zero of=/usr/share/translations/filler bs=1k count=64 2>/dev/null || :
+            lists /usr/bin /usr/sbin /usr/share/translations >/tmp/before
+            dpkg --install /tmp/newer.deb >/tmp/said 2>&1 && exit 1
+            grep -o 'No space left on device' /tmp/said
+            lists /usr/bin /usr/sbin /usr/share/translations | diff /tmp/before -
+            dpkg-query --showformat '${db:Status-Abbrev} ${Version}\n' --show lumd
+            rm /usr/share/translations/filler
+            dpkg --install /tmp/newer.deb >/dev/null 2>&1
+            dpkg-query --showformat '${db:Status-Abbrev} ${Version}\n' --show lumd
+            dpkg --verify lumd
+            '''), 'No space left on device\nii  0.1.0\nii  0.1.0+later\n')
+
+
+class Installed(debianhandset.HandsetTest):
+
+    def testAutopkgtestPasses(self):
+        self.assertIn('installed            PASS', self.on_handset(r'''
+            autopkgtest /packages/lumd_*.dsc "$lumd" -- null 2>&1
+            '''))
+
+
+if __name__ == '__main__':
+    unittest.main()

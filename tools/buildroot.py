@@ -1,0 +1,71 @@
+# SPDX-License-Identifier: BSD-3-Clause
+"""The Debian root in which packages are built, and what comes into it and out of it."""
+
+import os
+import pathlib
+import shutil
+import subprocess
+
+import debianroot
+
+PROJECT = debianroot.PROJECT
+OUTPUT = PROJECT / 'build' / 'packages'
+
+# The build dependencies of debian/control come on top.
+TOOLS = ('build-essential', 'lintian')
+RPM_TOOLS = ('rpm', 'rpmlint')
+BUILD_DEPENDENCIES = 'apt-get --yes --no-install-recommends build-dep {options} /source'
+
+
+def native():
+    """The architecture of this machine."""
+    return subprocess.run(['dpkg', '--print-architecture'], check=True, stdout=subprocess.PIPE,
+                          text=True).stdout.strip()
+
+
+def install_tools():
+    """What this takes beside what every Debian has."""
+    missing = [package for program, package in (('mmdebstrap', 'mmdebstrap'), ('git', 'git'))
+               if not shutil.which(program)]
+    if not pathlib.Path(debianroot.KEYRING).exists():
+        missing.append('debian-archive-keyring')
+    if missing:
+        subprocess.run(['apt-get', 'update'], check=True)
+        subprocess.run(['apt-get', 'install', '--yes', '--no-install-recommends', *missing],
+                       check=True, env=dict(os.environ, DEBIAN_FRONTEND='noninteractive'))
+
+
+def root(suite, architecture):
+    """The root with all that a build for the architecture takes; RPM packages are built in this
+    machine's own."""
+    install_tools()
+    control = PROJECT / 'debian' / 'control'
+    here = native()
+    if architecture == here:
+        return debianroot.root(f'build-{here}', suite, TOOLS + RPM_TOOLS, (here,),
+                               BUILD_DEPENDENCIES.format(options=''), control)
+    return debianroot.root(
+        f'build-{architecture}', suite, (*TOOLS, f'crossbuild-essential-{architecture}'),
+        (here, architecture),
+        BUILD_DEPENDENCIES.format(options=f'--host-architecture {architecture} -P cross,nocheck'),
+        control)
+
+
+def copy_source(target):
+    """The files of the checkout, whether committed yet or not."""
+    listed = subprocess.run(
+        ['git', '-C', PROJECT, '-c', 'safe.directory=*', 'ls-files', '-z', '--cached', '--others',
+         '--exclude-standard'], check=True, stdout=subprocess.PIPE).stdout
+    names = b'\0'.join(name for name in listed.split(b'\0')
+                       if name and (PROJECT / os.fsdecode(name)).is_file())
+    archive = subprocess.run(
+        ['tar', '-C', PROJECT, '--null', '--files-from=-', '--owner=0', '--group=0',
+         '--mode=u=rwX,go=rX', '-cf', '-'], input=names, check=True,
+        stdout=subprocess.PIPE).stdout
+    subprocess.run(['tar', '-C', target, '-xf', '-'], input=archive, check=True)
+
+
+def tail(log):
+    """What there is to say of a build that failed."""
+    lines = log.read_text(encoding='utf-8', errors='replace').splitlines()[-40:]
+    return '\n'.join([*(line[:200] for line in lines), f'The build failed; all of it is in {log}.'])
