@@ -58,14 +58,24 @@ TestCase {
         tryCompare(Runtime, "state", state, 10000)
     }
     function click(name) {
-        const item = waitFor(name)
-        tryCompare(item, "enabled", true, 10000)
-        hit(item)
+        waitFor(name)
+        tryVerify(() => seen(name) !== null && seen(name).enabled, 10000, name + " is not enabled")
+        hitWhat(() => seen(name))
     }
-    // Pages slide, and take no click before they have come to rest.
     function hit(item) {
+        hitWhat(() => item)
+    }
+    // Pages slide, and take no click before they have come to rest; a list may make its rows anew
+    // until then.
+    function hitWhat(find) {
         let before = null
+        let item = null
         tryVerify(() => {
+            if (find() !== item)
+                before = null
+            item = find()
+            if (item === null)
+                return false
             const now = item.mapToItem(null, 0, 0)
             const isAtRest = before !== null && now.x === before.x && now.y === before.y
                 && !window.pageStack.layers.busy
