@@ -140,7 +140,7 @@ int runTest(int argc, char **argv, const Test &test)
     if (!isNamed && !isInformation)
         return runEach(argc, argv, functions);
     if (!isInformation) {
-        clearEnvironment();
+        TestMain::clearEnvironment();
         TestNamespace::enter();
     }
     QCoreApplication application(argc, argv);
