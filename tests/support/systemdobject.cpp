@@ -4,6 +4,7 @@
 #include <QDBusArgument>
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
+#include <QDBusVariant>
 
 namespace {
 
@@ -124,6 +125,9 @@ QDBusMessage SystemdObject::answer(const QDBusMessage &message)
         return message.createReply(changes);
     if (method == QLatin1String("GetAll") && message.path() == MockSystemd::unitPath())
         return getAllFails ? refused : message.createReply(QVariant(unit));
+    if (method == QLatin1String("Get") && message.path() == MockSystemd::unitPath())
+        return message.createReply(
+            QVariant::fromValue(QDBusVariant(unit.value(message.arguments().value(1).toString()))));
     return message.createErrorReply(QDBusError::UnknownMethod, method);
 }
 

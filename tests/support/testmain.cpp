@@ -99,7 +99,9 @@ int runEach(int argc, char **argv, const std::vector<QByteArray> &functions)
     return failures == 0 && !functions.empty() ? 0 : 1;
 }
 
-void clearEnvironment()
+} // namespace
+
+void TestMain::clearEnvironment()
 {
     for (const char *name : {"ANDROID_DATA_ROOT", "LUMD_PACKAGE_BLACKLIST_PATH",
              "DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS", "FAKE_GBINDER_SOCKET",
@@ -110,6 +112,8 @@ void clearEnvironment()
     // No qtlogging.ini of the user's.
     qputenv("XDG_CONFIG_HOME", "/run/config");
 }
+
+namespace {
 
 void listEntries()
 {
@@ -136,7 +140,7 @@ int runTest(int argc, char **argv, const Test &test)
     if (!isNamed && !isInformation)
         return runEach(argc, argv, functions);
     if (!isInformation) {
-        clearEnvironment();
+        TestMain::clearEnvironment();
         TestNamespace::enter();
     }
     QCoreApplication application(argc, argv);

@@ -12,6 +12,9 @@ namespace TestMain {
 /// Makes the test object; called once, after the application exists.
 using Factory = std::function<std::unique_ptr<QObject>()>;
 
+/// Takes the variables that lumd, Qt's logging and D-Bus read out of the environment.
+void clearEnvironment();
+
 /// Adds a test class to the executable, under the name of its source without ".cpp".
 class Registration
 {
