@@ -71,7 +71,7 @@ class Completion(unittest.TestCase):
         """What the functions for zsh offer, with stand-ins for those of zsh itself."""
         return self.run_shell('/usr/bin/zsh', '--no-rcs', '-c', f'''
             compadd() {{ print -rl -- ${{(P)@[-1]}} }}
-            _arguments() {{ for spec; do [[ $spec == *:_lumctl_names ]] && _lumctl_names; done; true }}
+            _arguments() {{ for argument; do [[ $argument == *:_lumctl_names ]] && _lumctl_names; done; true }}
             words=("$@"); CURRENT=$#
             source {FILES}/_lumctl''', 'zsh', 'lumctl', *words)
 

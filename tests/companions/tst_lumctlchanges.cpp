@@ -62,7 +62,7 @@ private:
     /// The observer that the runtime got with the last install; waits for that many installs.
     quint32 observer(int installs = 1);
     void tellInstalled(quint32 observer, qint32 result, const QString &message = {});
-    void tellDeleted(quint32 observer, const QString &package, qint32 result);
+    void tellRemoved(const QString &package);
     bool announce(const Launcher &launcher);
 
     std::unique_ptr<AppFixture> m_world;
@@ -109,13 +109,13 @@ void TestLumctlChanges::tellInstalled(quint32 observer, qint32 result, const QSt
     QVERIFY(m_world->android->transactObject(observer, call).delivered);
 }
 
-void TestLumctlChanges::tellDeleted(quint32 observer, const QString &package, qint32 result)
+void TestLumctlChanges::tellRemoved(const QString &package)
 {
     FakeBinder::Call call;
-    call.code = 1;
-    call.interface = QStringLiteral("android.content.pm.IPackageDeleteObserver");
-    call.payload = FakeBinder::ParcelWriter().string16(package).int32(result).bytes();
-    QVERIFY(m_world->android->transactObject(observer, call).delivered);
+    call.code = packageRemoved;
+    call.interface = QStringLiteral("alien.applications.IAlienNativeLauncherService");
+    call.payload = FakeBinder::ParcelWriter().string16(package).bytes();
+    QVERIFY(m_world->android->transact(QStringLiteral("alien.launcher"), call).delivered);
 }
 
 bool TestLumctlChanges::announce(const Launcher &launcher)
@@ -324,8 +324,8 @@ void TestLumctlChanges::appIsRemovedByItsName()
     const auto requests = m_world->requests(QStringLiteral("package"), uninstallCode);
     QCOMPARE(names(requests), QStringList{QStringLiteral("com.a_b.map")});
     // That of another app's removal is none of ours.
-    tellDeleted(requests.first().localObjects.value(0), QStringLiteral("com.b"), 1);
-    tellDeleted(requests.first().localObjects.value(0), QStringLiteral("com.a_b.map"), 1);
+    tellRemoved(QStringLiteral("com.b"));
+    tellRemoved(QStringLiteral("com.a_b.map"));
     QVERIFY(run.waitForEnd());
     QCOMPARE(run.lines(), QStringList{QStringLiteral("Map: removed")});
     QCOMPARE(run.exitCode(), 0);
@@ -333,15 +333,15 @@ void TestLumctlChanges::appIsRemovedByItsName()
 
 void TestLumctlChanges::removalThatFailsIsTold()
 {
-    QVERIFY(m_world->bringUpRuntime());
-    LumctlRun run(words("remove --exact com.a"));
-    run.start();
-    QVERIFY(m_world->android->waitForRequest(QStringLiteral("package"), uninstallCode));
-    const auto requests = m_world->requests(QStringLiteral("package"), uninstallCode);
-    tellDeleted(requests.first().localObjects.value(0), QStringLiteral("com.a"), -1);
-    QVERIFY(run.waitForEnd());
-    QCOMPARE(run.lines(), QStringList{QStringLiteral("lumctl: com.a: Android did not remove it")});
-    QCOMPARE(run.exitCode(), 1);
+    constexpr qint32 securityException = -1;
+    m_world->android->registerService(QStringLiteral("package"), [](const FakeBinder::Request &) {
+        return FakeBinder::Reply::data(FakeBinder::ParcelWriter().int32(securityException).bytes());
+    });
+    m_world->android->registerService(QStringLiteral("alien"));
+    QVERIFY(m_world->connectToRuntime());
+    QCOMPARE(lumctl(words("remove --exact com.a")),
+        QStringList({QStringLiteral("lumctl: com.a: Android did not remove it"),
+            QStringLiteral("exit 1")}));
 }
 
 void TestLumctlChanges::nothingIsRemovedWhileANameIsNotClear()

@@ -214,23 +214,28 @@ void TestLumctlQueries::namesReachTheTerminalEscaped()
         {QStringLiteral("\U0001f469\u200d\U0001f680"),
             QStringLiteral("\U0001f469\u200d\U0001f680")},
     };
-    Served served({});
-    QVERIFY(served.isServed);
-    const QRegularExpression raw(QStringLiteral("[\\x00-\\x1f\\x7f-\\x9f\\x{202e}]"));
+    // As it may be found on the disk: in an announcement lumd has blanks for the worst of them.
+    QStringList shown;
     for (const auto &row : rows) {
-        QVERIFY(announce(served.world, named(row.name)));
-        QCOMPARE(lumctl(words("list")),
-            QStringList({QStringLiteral("com.odd\t1\t") + row.shown, QStringLiteral("exit 0")}));
-        LumctlRun run(words("list --json"));
-        run.start();
-        QVERIFY(run.waitForEnd());
-        QCOMPARE(run.lines().size(), 1);
-        const QString line = run.lines().first();
-        QVERIFY2(!line.contains(raw), qPrintable(line));
-        const QJsonArray apps =
-            QJsonDocument::fromJson(line.toUtf8()).object().value(QStringLiteral("apps")).toArray();
-        QCOMPARE(apps.first().toObject().value(QStringLiteral("name")).toString(), row.name);
+        const Launcher launcher = named(row.name, QStringLiteral("com.odd%1").arg(shown.size()));
+        makeFile(launcher.entryPath(), entryText(launcher));
+        shown.append(QStringLiteral("%1\t\t%2").arg(launcher.packageName, row.shown));
     }
+    AppFixture world;
+    QVERIFY(world.start());
+    QCOMPARE(lumctl(words("list")), shown + QStringList{QStringLiteral("exit 0")});
+    const QRegularExpression raw(QStringLiteral("[\\x00-\\x1f\\x7f-\\x9f\\x{202e}]"));
+    LumctlRun run(words("list --json"));
+    run.start();
+    QVERIFY(run.waitForEnd());
+    QCOMPARE(run.lines().size(), 1);
+    const QString line = run.lines().first();
+    QVERIFY2(!line.contains(raw), qPrintable(line));
+    const QJsonArray apps =
+        QJsonDocument::fromJson(line.toUtf8()).object().value(QStringLiteral("apps")).toArray();
+    QCOMPARE(apps.size(), shown.size());
+    for (int i = 0; i < apps.size(); ++i)
+        QCOMPARE(apps.at(i).toObject().value(QStringLiteral("name")).toString(), rows[i].name);
 }
 
 void TestLumctlQueries::fiveHundredAppsWithEndlessNamesAreListed()
@@ -272,7 +277,7 @@ void TestLumctlQueries::terminalGetsColumnsOfItsWidth()
 
 void TestLumctlQueries::completionOffersWhatCanBeTyped()
 {
-    Served served({mapLauncher(), named(QStringLiteral("a\x1b[0m"))});
+    Served served({mapLauncher(), named(QStringLiteral("a\u202e[0m"))});
     QVERIFY(served.isServed);
     QCOMPARE(lumctl(words("complete-names")),
         QStringList({QStringLiteral("Map"), QStringLiteral("com.a_b.map"),
@@ -287,7 +292,7 @@ void TestLumctlQueries::germanIsSpokenToGermans()
     run.setEnvironment(QStringLiteral("LC_ALL"), QStringLiteral("de_DE.UTF-8"));
     run.start();
     QVERIFY(run.waitForEnd());
-    QCOMPARE(run.lines().first(), QStringLiteral("Android-Laufzeit:        inactive"));
+    QCOMPARE(run.lines().first(), QStringLiteral("Android-Laufzeit:       inactive"));
 }
 
 void TestLumctlQueries::missingDaemonIsTold_data()

@@ -94,12 +94,12 @@ void TestLumctlRuntime::monitorPrintsALineForEachEvent()
     call.code = launcherAdded;
     call.interface = QStringLiteral("alien.applications.IAlienNativeLauncherService");
     Launcher launcher = mapLauncher();
-    launcher.caption = QStringLiteral("M\x1b");
+    launcher.caption = QStringLiteral("M\u202e");
     call.payload = launcher.payload();
     QVERIFY(m_world->android->transact(QStringLiteral("alien.launcher"), call).delivered);
     QVERIFY(run.process().waitForLine(
         QStringLiteral("{\"desktopFile\":\"%1\",\"event\":\"LauncherChanged\",\"icon\":\"%2\","
-                       "\"name\":\"M\\u001b\",\"package\":\"com.a_b.map\"}")
+                       "\"name\":\"M\\u202e\",\"package\":\"com.a_b.map\"}")
             .arg(launcher.entryPath(), launcher.iconPath())));
     m_world->daemon->kill();
     QVERIFY(run.process().waitForLine(QStringLiteral("{\"event\":\"DaemonVanished\"}")));
