@@ -27,7 +27,7 @@ void PackageChanges::carryOut(const QString &what, const QString &shown)
         note(m_code, "not-requested", qtTrId("lumctl-change-not-requested").arg(shown));
         return;
     }
-    m_session.output.progress(m_words.underWay.arg(shown).arg(0));
+    m_session.output.progress(m_words.underWay.arg(shown, QString::number(0)));
     const auto answer = m_session.ask<bool>(m_request, what);
     if (m_session.caughtSignal() == 0 && answer.error) {
         const ErrorReport report = reportOf(answer.error);
@@ -52,7 +52,8 @@ void PackageChanges::waitForResult(const QString &shown)
         constexpr int millisecondsInASecond = 1000;
         const QString text =
             m_stage == Stage::Queued ? qtTrId("lumctl-change-waits-for-runtime") : m_words.underWay;
-        m_session.output.progress(text.arg(shown).arg(elapsed.elapsed() / millisecondsInASecond));
+        m_session.output.progress(
+            text.arg(shown, QString::number(elapsed.elapsed() / millisecondsInASecond)));
     };
     const auto hasResult = [this] {
         return m_stage == Stage::Succeeded || m_stage == Stage::Failed;
@@ -61,7 +62,9 @@ void PackageChanges::waitForResult(const QString &shown)
     case Session::End::Reached:
         if (m_stage == Stage::Succeeded)
             note(ExitCode::Success, m_words.success,
-                m_words.succeeded.arg(shown, shownName(m_package)));
+                m_words.succeeded.contains(QLatin1String("%2"))
+                    ? m_words.succeeded.arg(shown, shownName(m_package))
+                    : m_words.succeeded.arg(shown));
         else if (m_message.isEmpty())
             note(ExitCode::Failed, "failed", m_words.failed.arg(shown));
         else
@@ -73,7 +76,7 @@ void PackageChanges::waitForResult(const QString &shown)
         break;
     case Session::End::TimedOut:
         stop(ExitCode::TimedOut, "timed-out",
-            qtTrId("lumctl-change-timed-out").arg(shown).arg(m_session.limit.count()));
+            qtTrId("lumctl-change-timed-out").arg(shown, QString::number(m_session.limit.count())));
         break;
     case Session::End::Interrupted:
         stop(ExitCode::Failed, "interrupted", qtTrId("lumctl-change-interrupted").arg(shown));
