@@ -65,6 +65,7 @@ private Q_SLOTS:
     void fullDiskIsAWarningAndTheOldFileStays_data();
     void fullDiskIsAWarningAndTheOldFileStays();
     void fullDiskMakesNoNewFile();
+    void onlyACommitOfOtherBytesSaysSo();
 };
 
 void TestDesktopEntryFaultyDisk::directoryIsAnEmptyEntryThatCannotBeSaved()
@@ -156,6 +157,22 @@ void TestDesktopEntryFaultyDisk::fullDiskMakesNoNewFile()
     setName("new");
     QCOMPARE(log.lines(), QStringList({updatingLine(), cannotWriteLine()}));
     QCOMPARE(listing(folder()), QStringList(QStringLiteral("filler")));
+}
+
+void TestDesktopEntryFaultyDisk::onlyACommitOfOtherBytesSaysSo()
+{
+    TestNamespace::mountSmallDisk(folder(), 64);
+    DesktopEntry entry(entryFile());
+    QVERIFY(!entry.commit());
+    entry.setValue(text("Name"), text("a"));
+    QVERIFY(entry.commit());
+    QVERIFY(!entry.commit());
+    fillDisk(folder());
+    entry.setValue(text("Name"), text("b"));
+    QVERIFY(!entry.commit());
+    TestNamespace::setReadOnly(folder(), true);
+    entry.setValue(text("Name"), text("c"));
+    QVERIFY(!entry.commit());
 }
 
 LUM_TEST_MAIN(TestDesktopEntryFaultyDisk)

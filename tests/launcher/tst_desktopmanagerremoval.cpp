@@ -57,7 +57,7 @@ void TestDesktopManagerRemoval::allFilesOfALauncherAreDeleted()
     const QString path = leaveBehind(maps);
     DesktopManager manager{ApkConfig()};
     const LogCapture log;
-    manager.deleteLauncher(path);
+    QVERIFY(manager.deleteLauncher(path));
     QCOMPARE(allFiles(), QStringList());
     QCOMPARE(log.lines(), deletionLines(maps));
 }
@@ -95,7 +95,7 @@ void TestDesktopManagerRemoval::failedDeletionsAreToldAndTheOthersGoOn()
     if (!hasSetting)
         QVERIFY(QFile::remove(settingsPath(maps)));
     const LogCapture log;
-    manager.deleteLauncher(desktopPath(maps));
+    QCOMPARE(manager.deleteLauncher(desktopPath(maps)), hasEntry);
     QCOMPARE(log.lines(), expected);
     QCOMPARE(allFiles(), QStringList());
 }

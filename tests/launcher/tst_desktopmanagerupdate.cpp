@@ -35,9 +35,11 @@ void TestDesktopManagerUpdate::secondAnnouncementTouchesNothing()
     DesktopManager afterRestart{ApkConfig()};
     for (DesktopManager *manager : {&first, &first, &afterRestart}) {
         const QSignalSpy installed(manager, &DesktopManager::newApplicationInstalled);
+        const QSignalSpy announced(manager, &DesktopManager::launcherChanged);
         const LogCapture log;
         manager->onCreateLauncher(maps);
         QCOMPARE(installed.size(), 0);
+        QCOMPARE(announced.size(), 0);
         QCOMPARE(log.lines(), announcedLines(maps));
         QVERIFY(stamp(desktopPath(maps)) == entry);
         QVERIFY(stamp(iconPath(maps)) == icon);
@@ -81,9 +83,11 @@ void TestDesktopManagerUpdate::onlyTheChangedFileIsRewritten()
     const QByteArray settingText = read(settingsPath(maps));
 
     const QSignalSpy installed(&manager, &DesktopManager::newApplicationInstalled);
+    const QSignalSpy announced(&manager, &DesktopManager::launcherChanged);
     const LogCapture log;
     manager.onCreateLauncher(changed);
     QCOMPARE(installed.size(), 0);
+    QCOMPARE(announced.size(), 1);
     QCOMPARE(log.lines(), entryChanges ? rewrittenLines(maps) : announcedLines(maps));
     QCOMPARE(stamp(desktopPath(maps)).inode != entry.inode, entryChanges);
     QCOMPARE(stamp(iconPath(maps)).inode != icon.inode, iconChanges);

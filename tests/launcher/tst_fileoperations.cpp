@@ -56,6 +56,7 @@ private Q_SLOTS:
     void fileDiffersUnlessEveryByteIsTheSame_data();
     void fileDiffersUnlessEveryByteIsTheSame();
     void fileThatCannotBeReadDiffers();
+    void fileIsWhatIsReadWhateverItsSize();
     void firstDescriptorIsOneLikeAnother();
     void namesAreListedAsQtListsThem_data();
     void namesAreListedAsQtListsThem();
@@ -127,6 +128,15 @@ void TestFileOperations::fileThatCannotBeReadDiffers()
     QVERIFY(!readFile(target()));
     write(target(), {});
     QVERIFY(!readFile(target() + QChar(0)));
+}
+
+// The kernel's own files have the size of a page.
+void TestFileOperations::fileIsWhatIsReadWhateverItsSize()
+{
+    const QString path = QStringLiteral("/sys/devices/system/cpu/online");
+    const QByteArray bytes = read(path);
+    QVERIFY(!bytes.isEmpty() && bytes.size() < QFileInfo(path).size());
+    QVERIFY(!fileDiffers(path, bytes));
 }
 
 // The first is free in a process whose standard input is closed.

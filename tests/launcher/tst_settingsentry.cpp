@@ -61,9 +61,9 @@ QString failureLine()
         "warning", QStringLiteral("Unable to write json file \"%1\" for writing").arg(entry()));
 }
 
-void writeVersion(const char *version)
+bool writeVersion(const char *version)
 {
-    writeSettingsEntry(name(), QStringLiteral("a.b"), QString::fromLatin1(version));
+    return writeSettingsEntry(name(), QStringLiteral("a.b"), QString::fromLatin1(version));
 }
 
 QByteArray documentOfVersion(const char *version)
@@ -165,7 +165,7 @@ void TestSettingsEntry::sameVersionLeavesTheFileAlone()
 {
     writeVersion("1");
     const Stamp before = stamp(entry());
-    writeVersion("1");
+    QVERIFY(!writeVersion("1"));
     QVERIFY(stamp(entry()) == before);
 }
 
@@ -173,7 +173,7 @@ void TestSettingsEntry::newVersionReplacesTheFile()
 {
     writeVersion("1");
     const Stamp before = stamp(entry());
-    writeVersion("2");
+    QVERIFY(writeVersion("2"));
     QCOMPARE(read(entry()), documentOfVersion("2"));
     QVERIFY(stamp(entry()).inode != before.inode);
     QCOMPARE(listing(settings), QStringList(QStringLiteral("lumd_launcher_a_b-a_b_Main.json")));
@@ -183,7 +183,7 @@ void TestSettingsEntry::missingFolderIsAWarningAndNotMade()
 {
     QVERIFY(QDir().rmdir(QLatin1String(settings)));
     const LogCapture log(LogCapture::Level::Default);
-    writeVersion("1");
+    QVERIFY(!writeVersion("1"));
     QVERIFY(!QFile::exists(QLatin1String(settings)));
     QCOMPARE(log.lines(), QStringList(failureLine()));
 }
@@ -192,7 +192,7 @@ void TestSettingsEntry::directoryInThePlaceOfTheFileIsAWarning()
 {
     makeDirectory(entry());
     const LogCapture log(LogCapture::Level::Default);
-    writeVersion("1");
+    QVERIFY(!writeVersion("1"));
     QCOMPARE(log.lines(), QStringList(failureLine()));
     QCOMPARE(listing(settings), QStringList(QStringLiteral("lumd_launcher_a_b-a_b_Main.json")));
     QCOMPARE(listing(entry()), QStringList());
@@ -203,9 +203,9 @@ void TestSettingsEntry::readOnlyFolderIsAWarning()
     writeVersion("1");
     TestNamespace::setReadOnly(QLatin1String(settings), true);
     const LogCapture log(LogCapture::Level::Default);
-    writeVersion("1");
+    QVERIFY(!writeVersion("1"));
     QCOMPARE(log.lines(), QStringList());
-    writeVersion("2");
+    QVERIFY(!writeVersion("2"));
     QCOMPARE(log.lines(), QStringList(failureLine()));
     QCOMPARE(read(entry()), documentOfVersion("1"));
     QCOMPARE(listing(settings), QStringList(QStringLiteral("lumd_launcher_a_b-a_b_Main.json")));
@@ -217,7 +217,7 @@ void TestSettingsEntry::fullDiskIsAWarningAndTheOldFileStays()
     writeVersion("1");
     fillDisk(QLatin1String(settings));
     const LogCapture log(LogCapture::Level::Default);
-    writeVersion("2");
+    QVERIFY(!writeVersion("2"));
     QCOMPARE(log.lines(), QStringList(failureLine()));
     QCOMPARE(read(entry()), documentOfVersion("1"));
     QCOMPARE(listing(settings),
