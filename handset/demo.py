@@ -18,7 +18,7 @@ from image import HandsetError
 from machine import Machine
 
 FAREWELL = f"""
-You are on the handset. Some things to try:
+You are on the handset. Some things to try; the Tab key completes commands and names:
   lumctl list
   lumctl launch {apps.NOTES.launchers[0].caption}
   lumctl info {apps.NOTES.package}

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: BSD-3-Clause
-"""The demo's chapter of apps: installed, started, managed and removed over the bus."""
+"""The demo's chapter of apps: installed, started, managed and removed by lumctl."""
 
 import json
 import shlex
@@ -11,7 +11,10 @@ from demosteps import Steps
 from session import Session
 from wrappedapk import WrappedApk
 
+# Exit codes of lumctl.
+FAILED, REFUSED = 1, 4
 DOWNLOADS = "/home/handset/Downloads"
+NAME = apps.NOTES.launchers[0].caption
 STORE_FILES = apps.STORE.files(partner_space=True)
 
 
@@ -25,11 +28,10 @@ class AppSteps(Steps):
                       self.settings_page, self.sizes, self.start_on_boot, self.time_zone,
                       self.upgrade, self.remove_package, self.read_log]
 
-    def bus(self, method, *arguments, user="root"):
+    def bus(self, method, *arguments):
         """Shows and makes a bus call, which must succeed; gives busctl's line of the result."""
-        typed = shlex.join(["lumd", method, *arguments])
-        self.show(typed if user == "root" else f"as {user}: {typed}")
-        result = self.device.call(method, *arguments, user=user)
+        self.show(shlex.join(["lumd", method, *arguments]))
+        result = self.device.call(method, *arguments)
         self.check(result.returncode == 0, result.stderr)
         answer = result.stdout.strip()
         self.show(f"  {answer}" if answer else "  no result")
@@ -41,8 +43,10 @@ class AppSteps(Steps):
         self.device.write({path: app.apk(**extra)})
         return path
 
-    def expect(self, found, expected):
-        self.check(found == expected, f"is {found}\nand should be {expected}")
+    def expect_sizes(self, *expected):
+        """lumctl shows these sizes of code, data and cache."""
+        rows = dict(line.split(":", 1) for line in self.lumctl("info", NAME).splitlines())
+        self.expect(tuple(rows[key].strip() for key in ("Code", "Data", "Cache")), expected)
 
     def expect_notified(self, *expected):
         """The user was notified of exactly this since the step began: summary and body."""
@@ -55,15 +59,14 @@ class AppSteps(Steps):
     def install(self):
         """An app is installed while the runtime is stopped: kept, started for, carried out"""
         self.session.reset()
-        self.show(device.SHORTHAND)
         self.device.stop(device.RUNTIME)
         path = self.put_apk(apps.NOTES, codeBytes=52_000_000, dataBytes=700_000,
                             cacheBytes=200_000)
-        self.expect(self.bus("installFile", "s", path), "b true")
-        self.device.wait_state(device.RUNTIME, "active")
-        self.show("the runtime is up")
-        self.device.wait_event("install", f"package={apps.NOTES.package}", "returnCode=1")
-        self.expect_notified(("App installed: Notizbücher", ""))
+        self.expect(self.lumctl("install", path).splitlines(),
+                    [f"{path}: waits until the Android runtime is up",
+                     f"{path}: installed as {apps.NOTES.package}"])
+        self.expect(self.device.state(device.RUNTIME), "active")
+        self.expect_notified((f"App installed: {NAME}", ""))
         self.check_files(MAPS_RED.files(), STORE_FILES, apps.NOTES.files())
         for path in sorted(apps.NOTES.files()):
             self.show(f"new  {path}")
@@ -72,7 +75,8 @@ class AppSteps(Steps):
         """Android refuses an apk: the user is told why"""
         self.session.reset()
         path = self.put_apk(apps.KEYBOARD, fail=-25, message="Version 11 is older than 12")
-        self.expect(self.bus("installFile", "s", path), "b true")
+        self.expect(self.lumctl("install", path, code=FAILED),
+                    f"lumctl: {path}: not installed: Version 11 is older than 12")
         self.expect_notified((f"App could not be installed: {apps.KEYBOARD.package}",
                               "Version 11 is older than 12"))
 
@@ -80,7 +84,7 @@ class AppSteps(Steps):
         """An ordinary program may not install"""
         self.session.reset()
         path = f"{DOWNLOADS}/{apps.NOTES.package}.apk"
-        self.expect(self.bus("installFile", "s", path, user="handset"), "b false")
+        self.lumctl("install", path, user="handset", code=REFUSED)
         self.expect_notified(("", "Installing Android apps is not allowed on this device"))
 
     def launch(self):
@@ -90,14 +94,13 @@ class AppSteps(Steps):
         (line,) = [line for line in text.splitlines() if line.startswith("Exec=")]
         command = line.removeprefix("Exec=")
         self.show(f"as handset: {command}")
-        self.machine.shell(shlex.join(["setpriv", "--reuid=handset", "--regid=handset",
-                                       "--init-groups", *shlex.split(command)]))
+        self.machine.shell(shlex.join(self.device.as_user("handset", *shlex.split(command))))
         self.expect(self.device.runtime("windows")["windows"], [apps.NOTES.package])
         self.show(f"Android shows a window of {apps.NOTES.package}")
 
     def settings_page(self):
         """Android's settings page of the app opens"""
-        self.bus("openAppSettings", "s", apps.NOTES.package)
+        self.lumctl("settings", NAME)
         intent = self.device.calls("activity")[-1]["arguments"]["intent"]
         self.expect((intent["action"], intent["data"]),
                     ("android.settings.APPLICATION_DETAILS_SETTINGS",
@@ -106,19 +109,20 @@ class AppSteps(Steps):
 
     def sizes(self):
         """How much room apps take, and how it is freed"""
-        size = ("getAppSize", "s", apps.NOTES.package)
-        self.expect(self.bus(*size), "(xxx) 52000000 500000 200000")
-        self.bus("deleteAppCacheFiles", "s", apps.NOTES.package)
+        self.expect_sizes("49.59 MiB", "488.28 KiB", "195.31 KiB")
+        self.lumctl("clear-cache", NAME)
         self.device.wait_event("clear", "what=cache", f"package={apps.NOTES.package}")
-        self.expect(self.bus(*size), "(xxx) 52000000 500000 0")
-        self.bus("clearAppUserData", "s", apps.NOTES.package)
+        self.expect_sizes("49.59 MiB", "488.28 KiB", "0 bytes")
+        self.lumctl("clear-data", "--yes", NAME)
         self.device.wait_event("clear", "what=data", f"package={apps.NOTES.package}")
-        self.expect(self.bus(*size), "(xxx) 52000000 0 0")
+        self.expect_sizes("49.59 MiB", "0 bytes", "0 bytes")
+        self.show("what all apps use is asked for on the bus:")
+        self.show(device.SHORTHAND)
         self.device.write({f"{device.APP_DATA}/{apps.NOTES.package}/notes": "x" * 5000})
         total = self.machine.run("du", "-sxb", device.APP_DATA).split()[0]
         self.expect(self.bus("getAndroidAppDataUsage"), f"t {total}")
-        self.bus("launchApp", "s", apps.NOTES.package)
-        self.bus("forceStopApp", "s", apps.NOTES.package)
+        self.lumctl("launch", NAME)
+        self.lumctl("stop", NAME)
         self.check(apps.NOTES.package not in self.device.runtime("windows")["windows"],
                    "the window is still there")
         self.show("its window is closed")
@@ -126,10 +130,7 @@ class AppSteps(Steps):
     def start_on_boot(self):
         """An app may start when the device boots; programs hear of the change"""
         self.session.watch_signals()
-        question = ("getAppStartOnBootup", "s", apps.NOTES.package)
-        self.expect(self.bus(*question), "b false")
-        self.bus("setAppStartOnBootup", "sb", apps.NOTES.package, "true")
-        self.expect(self.bus(*question), "b true")
+        self.expect(self.lumctl("autostart", NAME, "on"), f"{NAME}: starts on boot")
         signal = ["appStartOnBootupChanged", apps.NOTES.package, True]
         self.device.wait(lambda: self.session.signals() == [signal], "the signal")
         self.show(f"signal {json.dumps(signal)}")
@@ -161,12 +162,11 @@ class AppSteps(Steps):
         package = WrappedApk(self.device, apps.KEYBOARD)
         package.install()
         self.show(f"{package.name} is installed, with {package.apk}")
-        self.expect(self.bus("installFile", "s", package.apk), "b true")
-        self.device.wait_event("install", f"package={apps.KEYBOARD.package}", "returnCode=1")
+        self.expect(self.lumctl("install", package.apk),
+                    f"{package.apk}: installed as {apps.KEYBOARD.package}")
         self.check_files(MAPS_RED.files(), STORE_FILES, apps.NOTES.files(),
                          apps.KEYBOARD.files(hidden=True))
-        self.expect(self.bus("removeFile", "s", package.apk), "b true")
-        self.device.wait_event("delete", f"package={apps.KEYBOARD.package}", "returnCode=1")
+        self.expect(self.lumctl("remove", "Keyboard"), "Keyboard: removed")
         self.device.wait(lambda: not package.is_installed(), f"{package.name} is removed")
         self.show(f"PackageKit has removed {package.name}")
         self.check_files(MAPS_RED.files(), STORE_FILES, apps.NOTES.files())

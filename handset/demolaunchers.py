@@ -35,18 +35,14 @@ class LauncherSteps(Steps):
         self.show(f"{device.BUS_NAME} is on the system bus, process {owner}")
 
     def start_runtime(self):
-        """The Android runtime is started over the bus, and lumd follows its unit"""
+        """The Android runtime is started by lumctl, and lumd follows its unit"""
         self.device.write({device.BLACKLIST: f"{apps.KEYBOARD.package}\n",
                            f"{device.MARKERS}/{apps.STORE.package}.apk": ""})
         self.device.configure_runtime(readyDelay=1000)
         self.device.install(*ALL_APPS)
         self.device.stop(device.LUMD)
         self.device.start(device.LUMD)
-        self.show(f"busctl call {device.BUS_NAME} {device.OBJECT_PATH} {device.BUS_NAME} "
-                  "controlService b true")
-        self.check(self.device.call("controlService", "b", "true").returncode == 0,
-                   "the call failed")
-        self.device.wait_state(device.RUNTIME, "active")
+        self.expect(self.lumctl("runtime", "start"), "The Android runtime is active")
         self.expect_states("inactive", "activating", "active")
 
     def announce(self):
@@ -55,6 +51,10 @@ class LauncherSteps(Steps):
         files = self.check_files(
             apps.MAPS.files(), apps.NOTES.files(), apps.KEYBOARD.files(hidden=True),
             apps.STORE.files(partner_space=True))
+        listed = self.lumctl("list").splitlines()
+        self.expect(sorted(listed), sorted(
+            f"{app.package}\t{app.version}\t{launcher.caption}"
+            for app in ALL_APPS for launcher in app.launchers))
         for app, remark in ((apps.MAPS, "two launchers"), (apps.NOTES, "one launcher"),
                             (apps.KEYBOARD, "on the blacklist"),
                             (apps.STORE, "in the partner space")):

@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: BSD-3-Clause
 """What the chapters of the demo's story share."""
 
+import shlex
+
 # What lumd says of links that break before it hears that the runtime goes down.
 LOST_LINKS = [f"{service} died! Trying to reconnect."
               for service in ("package", "activity", "alarm", "alien")]
@@ -26,6 +28,20 @@ class Steps:
     def check(holds, complaint):
         if not holds:
             raise StepFailed(complaint)
+
+    def expect(self, found, expected):
+        self.check(found == expected, f"is {found}\nand should be {expected}")
+
+    def lumctl(self, *arguments, user="root", code=0):
+        """Shows and runs a command of lumctl, which must end with this code; gives what it said."""
+        command = shlex.join(["lumctl", *arguments])
+        self.show(f"$ {command}" if user == "root" else f"as {user}: $ {command}")
+        words = self.device.as_user(user, "lumctl", *arguments)
+        result = self.machine.shell(f"{shlex.join(words)} 2>&1", check=False)
+        said = result.stdout.strip()
+        self.show(said)
+        self.expect(result.returncode, code)
+        return said
 
     def check_files(self, *groups):
         """The files on the handset are exactly those that the apps give."""

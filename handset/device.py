@@ -163,12 +163,16 @@ class Device:
 
     def call(self, method, *arguments, user="root"):
         """Calls a method of lumd over the bus; gives the CompletedProcess of busctl."""
-        command = ["busctl", "call", "--", BUS_NAME, OBJECT_PATH, BUS_NAME, method,
-                   *arguments]
-        if user != "root":
-            command = ["setpriv", f"--reuid={user}", f"--regid={user}", "--init-groups",
-                       *command]
+        command = self.as_user(user, "busctl", "call", "--", BUS_NAME, OBJECT_PATH, BUS_NAME,
+                               method, *arguments)
         return self.machine.shell(shlex.join(command), check=False)
+
+    @staticmethod
+    def as_user(user, *command):
+        """The words of a command as root types it to have a user run it."""
+        if user == "root":
+            return [*command]
+        return ["setpriv", f"--reuid={user}", f"--regid={user}", "--init-groups", *command]
 
     # The runtime
 

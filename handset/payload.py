@@ -16,6 +16,13 @@ DEFAULT_SDK = 29
 # protocol is the request header's layout, the service manager's its own.
 PROTOCOLS = {27: ("aidl", "aidl"), 28: ("aidl", "aidl2"), 29: ("aidl2", "aidl2")}
 
+# What a build may hold beside, its window, finds no screen on the handset.
+COMPONENTS = ("lumd", "lumctl", "handset")
+
+# A login shell completes what is typed, without bash-completion, which would read the file too.
+COMPLETION = {"/etc/profile.d/lumctl.sh": '[ -z "$BASH_VERSION" ] || '
+                                          ". /usr/share/bash-completion/completions/lumctl\n"}
+
 # Units of the payload that start at boot.
 ENABLED = ("lumd.service",)
 
@@ -41,10 +48,11 @@ def pack(build, archive, sdk=DEFAULT_SDK):
     with tempfile.TemporaryDirectory(prefix="lumd-stage-") as folder:
         stage = pathlib.Path(folder)
         stage.chmod(0o755)
-        run("cmake", "--install", build, "--prefix", "/usr",
-            env=dict(os.environ, DESTDIR=folder))
+        for component in COMPONENTS:
+            run("cmake", "--install", build, "--component", component, "--prefix", "/usr",
+                env=dict(os.environ, DESTDIR=folder))
         copy_libraries(build, stage)
-        for path, text in sdk_files(sdk).items():
+        for path, text in {**sdk_files(sdk), **COMPLETION}.items():
             write(stage, path, text)
         for unit in ENABLED:
             wants = stage / "etc/systemd/system/multi-user.target.wants"

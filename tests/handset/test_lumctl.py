@@ -112,6 +112,12 @@ class Lumctl(AppScenario):
         self.device.wait(lambda: {"event": "InstallFinished", "package": apps.NOTES.package,
                                   "success": True, "message": ""} in events(), "the result")
 
+    def test_aLoginShellCompletesNames(self):
+        self.device.install(apps.MAPS)
+        self.device.start_runtime()
+        typed = "COMP_WORDS=(lumctl launch n) COMP_CWORD=2; _lumctl; echo ${COMPREPLY[@]}"
+        self.assertEqual(self.device.machine.run("bash", "-lc", typed), "Navigation\n")
+
     def test_aDaemonThatIsNotThereIsTold(self):
         self.device.stop(device.LUMD)
         self.assertEqual(self.lumctl("status", code=3), "lumctl: lumd is not running")
