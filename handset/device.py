@@ -89,6 +89,8 @@ class Device:
             {write_script(files)}
             grep -qs QT_LOGGING_RULES {VERBOSE} || {{
             {write_script({VERBOSE: VERBOSE_TEXT})}
+            # It does not always notice a folder that is new.
+            systemctl daemon-reload
             }}
             case $(systemctl show --property=NeedDaemonReload {LUMD} {RUNTIME}) in
             *yes*) systemctl daemon-reload ;;
