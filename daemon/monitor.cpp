@@ -33,7 +33,7 @@ bool isFit(uint point)
 // or the whole connection, for one of Unicode's noncharacters.
 QString fitForBus(const QString &text)
 {
-    QVector<uint> points = text.left(longestText).toUcs4();
+    QVector<uint> points = text.leftRef(longestText).toUcs4();
     std::replace_if(
         points.begin(), points.end(), [](uint point) { return !isFit(point); },
         uint(QChar::ReplacementCharacter));

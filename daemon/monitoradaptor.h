@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+// What changes is told by org.freedesktop.DBus.Properties: no signal of the adaptor's
+// own. A method that answers is const and a slot.
+// clazy:excludeall=qproperty-without-notify,const-signal-or-slot
+
 #include "daemon/monitor.h"
 
 #include <QDBusAbstractAdaptor>

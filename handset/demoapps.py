@@ -162,11 +162,14 @@ class AppSteps(Steps):
         package = WrappedApk(self.device, apps.KEYBOARD)
         package.install()
         self.show(f"{package.name} is installed, with {package.apk}")
-        self.expect(self.lumctl("install", package.apk),
-                    f"{package.apk}: installed as {apps.KEYBOARD.package}")
+        # Nobody is told of what comes with a package, so that nothing is waited for.
+        self.expect(self.lumctl("install", "--no-wait", package.apk),
+                    f"{package.apk}: handed over to lumd")
+        self.device.wait_event("install", f"package={apps.KEYBOARD.package}", "returnCode=1")
         self.check_files(MAPS_RED.files(), STORE_FILES, apps.NOTES.files(),
                          apps.KEYBOARD.files(hidden=True))
-        self.expect(self.lumctl("remove", "Keyboard"), "Keyboard: removed")
+        self.expect(self.bus("removeFile", "s", package.apk), "b true")
+        self.device.wait_event("delete", f"package={apps.KEYBOARD.package}", "returnCode=1")
         self.device.wait(lambda: not package.is_installed(), f"{package.name} is removed")
         self.show(f"PackageKit has removed {package.name}")
         self.check_files(MAPS_RED.files(), STORE_FILES, apps.NOTES.files())

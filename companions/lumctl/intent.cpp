@@ -39,7 +39,8 @@ ExitCode run(Session &session)
         return session.misused(qtTrId("lumctl-intent-no-action"));
     if (!intent.className.isEmpty() && intent.package.isEmpty())
         return session.misused(qtTrId("lumctl-intent-class-alone"));
-    for (const QString &text : options.values(QStringLiteral("extra"))) {
+    const QStringList texts = options.values(QStringLiteral("extra"));
+    for (const QString &text : texts) {
         const auto extra = parseExtra(text);
         if (!extra)
             return session.misused(qtTrId("lumctl-intent-bad-extra").arg(shownName(text)));

@@ -162,7 +162,8 @@ QString Output::emphasised(const QString &text, const char *code) const
 int shownWidth(const QString &text)
 {
     int width = 0;
-    for (const uint point : text.toUcs4())
+    const QVector<uint> points = text.toUcs4();
+    for (const uint point : points)
         width += std::max(0, wcwidth(wchar_t(point)));
     return width;
 }

@@ -35,7 +35,7 @@ int main(int argc, char *argv[])
 
     AppsModule module;
     QQmlApplicationEngine engine;
-    engine.load(QUrl(Window::source));
+    engine.load(QUrl(QLatin1String(Window::source)));
     if (engine.rootObjects().isEmpty())
         return 1;
     const QList<QUrl> files = filesAmong(parser.positionalArguments());

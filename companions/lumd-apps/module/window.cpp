@@ -8,7 +8,7 @@
 #include <QQuickStyle>
 
 namespace {
-constexpr QLatin1String catalogues("/usr/share/translations");
+constexpr char catalogues[] = "/usr/share/translations";
 }
 
 void Window::setUpStyle()
@@ -25,8 +25,9 @@ void Window::setUpStyle()
 
 Window::Texts::Texts()
 {
-    if (m_english.load(QStringLiteral("lumd-apps_eng_en"), catalogues))
+    if (m_english.load(QStringLiteral("lumd-apps_eng_en"), QLatin1String(catalogues)))
         QCoreApplication::installTranslator(&m_english);
-    if (m_locale.load(QLocale(), QStringLiteral("lumd-apps"), QStringLiteral("-"), catalogues))
+    if (m_locale.load(
+            QLocale(), QStringLiteral("lumd-apps"), QStringLiteral("-"), QLatin1String(catalogues)))
         QCoreApplication::installTranslator(&m_locale);
 }

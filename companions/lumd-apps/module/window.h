@@ -7,7 +7,7 @@
 namespace Window {
 
 /// The QML file that it begins with.
-constexpr QLatin1String source("qrc:/lumd-apps/Main.qml");
+constexpr char source[] = "qrc:/lumd-apps/Main.qml";
 
 /// Names the program and chooses the style of controls and icons for a session that has chosen
 /// none. Call before the application is made.
