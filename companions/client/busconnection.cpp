@@ -41,6 +41,7 @@ void BusConnection::call(const BusMethod &method, const Arguments &arguments,
     PendingCall *const call = m_calls.back().get();
     call->connection = this;
     call->reply = reply;
+    call->deadline.setTimerType(Qt::PreciseTimer);
     call->deadline.setSingleShot(true);
     const int result = send(method, arguments, *call);
     const ClientError error = result < 0
