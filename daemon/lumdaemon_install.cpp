@@ -157,6 +157,6 @@ bool LumDaemon::stageFile(
 
 QString LumDaemon::stripDataRoot(const QString &path) const
 {
-    const QString root = m_config->path(DataRoot);
-    return path.startsWith(root) ? path.mid(root.size()) : path;
+    const QString dataRoot = m_config->path(DataRoot);
+    return path.startsWith(dataRoot) ? path.mid(dataRoot.size()) : path;
 }

@@ -25,8 +25,6 @@ BusMethod method(const char *member)
     return {service, object, service, member};
 }
 
-const BusConnection::Arguments none;
-
 BusConnection::Arguments text(const QString &value)
 {
     return [value = value.toUtf8()](sd_bus_message *message) {
@@ -128,7 +126,7 @@ void LumdClient::fetchState(const Done<DaemonState> &done)
 
 void LumdClient::listApps(const Done<QVector<AndroidApp>> &done)
 {
-    m_bus->call({service, monitorObject, monitorInterface, "ListApps"}, none, m_timeLimit,
+    m_bus->call({service, monitorObject, monitorInterface, "ListApps"}, {}, m_timeLimit,
         reader(done, readApps));
 }
 
@@ -164,7 +162,7 @@ void LumdClient::setRuntimeOnBoot(bool enable, const Done<Nothing> &done)
 
 void LumdClient::fetchDataUsage(const Done<quint64> &done)
 {
-    m_bus->call(method("getAndroidAppDataUsage"), none,
+    m_bus->call(method("getAndroidAppDataUsage"), {},
         std::max<std::chrono::milliseconds>(m_timeLimit, dataUsageLimit),
         reader(done, [](sd_bus_message *reply, quint64 &value) {
             uint64_t bytes = 0;
@@ -232,5 +230,5 @@ void LumdClient::openSettings(const QString &package, const Done<Nothing> &done)
 
 void LumdClient::showLicences(const Done<Nothing> &done)
 {
-    m_bus->call(method("viewLicenses"), none, m_timeLimit, nothing(done));
+    m_bus->call(method("viewLicenses"), {}, m_timeLimit, nothing(done));
 }

@@ -43,7 +43,8 @@ void App::update(const AndroidApp &app)
     m_version = shownText(first.version);
     m_icon = first.icon.startsWith(QLatin1Char('/')) ? QUrl::fromLocalFile(first.icon) : QUrl();
     QStringList others;
-    for (const AndroidLauncher &launcher : launchers.mid(1))
+    const QVector<AndroidLauncher> rest = launchers.mid(1);
+    for (const AndroidLauncher &launcher : rest)
         others.append(shownText(launcher.name));
     m_otherLaunchers = others.join(QStringLiteral(", "));
     Q_EMIT changed();

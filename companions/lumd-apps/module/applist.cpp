@@ -124,7 +124,7 @@ void AppList::take(const QVector<AndroidApp> &apps)
         endRemoveRows();
         app->deleteLater();
     }
-    add(found.values().toVector());
+    add(QVector<AndroidApp>(found.cbegin(), found.cend()));
     Q_EMIT countChanged();
 }
 
