@@ -12,7 +12,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr char service[] = "com.tovra.lumd";
 constexpr char ownerRule[] =
     "type='signal',sender='org.freedesktop.DBus',path='/org/freedesktop/DBus',"
     "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='com.tovra.lumd'";
@@ -167,7 +166,7 @@ void LumdClient::listen()
     });
     m_bus->watch(signalRule, [this](sd_bus_message *signal) { LumdSignals::pass(*this, signal); });
     const auto arguments = [](sd_bus_message *message) {
-        return sd_bus_message_append(message, "s", service);
+        return sd_bus_message_append(message, "s", lumdService);
     };
     const auto reply = [this](sd_bus_message *message, const ClientError &error) {
         QString owner[1];

@@ -15,6 +15,9 @@
 class BusConnection;
 struct LumdSignals;
 
+/// lumd's name on the bus, which its first interface has too.
+constexpr char lumdService[] = "com.tovra.lumd";
+
 /// Bytes that an app takes up.
 struct AppSize
 {

@@ -11,7 +11,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr char service[] = "com.tovra.lumd";
 constexpr char object[] = "/com/tovra/lumd";
 constexpr char monitorObject[] = "/com/tovra/lumd/monitor";
 constexpr char monitorInterface[] = "com.tovra.lumd.Monitor1";
@@ -22,7 +21,7 @@ constexpr auto dataUsageLimit = 40s;
 
 BusMethod method(const char *member)
 {
-    return {service, object, service, member};
+    return {lumdService, object, lumdService, member};
 }
 
 BusConnection::Arguments text(const QString &value)
@@ -120,13 +119,13 @@ void LumdClient::fetchState(const Done<DaemonState> &done)
     const auto arguments = [](sd_bus_message *message) {
         return sd_bus_message_append(message, "s", monitorInterface);
     };
-    m_bus->call({service, monitorObject, propertiesInterface, "GetAll"}, arguments, m_timeLimit,
+    m_bus->call({lumdService, monitorObject, propertiesInterface, "GetAll"}, arguments, m_timeLimit,
         reader(done, readState));
 }
 
 void LumdClient::listApps(const Done<QVector<AndroidApp>> &done)
 {
-    m_bus->call({service, monitorObject, monitorInterface, "ListApps"}, {}, m_timeLimit,
+    m_bus->call({lumdService, monitorObject, monitorInterface, "ListApps"}, {}, m_timeLimit,
         reader(done, readApps));
 }
 

@@ -5,12 +5,12 @@
 
 namespace {
 
-QString summary()
+QString autostartSummary()
 {
     return qtTrId("lumctl-autostart-summary");
 }
 
-ExitCode run(Session &session)
+ExitCode runAutostart(Session &session)
 {
     const QString word = session.arguments.last();
     const bool isOn = word == QLatin1String("on");
@@ -43,5 +43,5 @@ ExitCode run(Session &session)
 
 } // namespace
 
-const Command autostartCommand = {
-    "autostart", summary, "NAME on|off", 2, 2, usualTimeLimit, addExactOption, run};
+const Command autostartCommand = {"autostart", autostartSummary, "NAME on|off", 2, 2,
+    usualTimeLimit, addExactOption, runAutostart};

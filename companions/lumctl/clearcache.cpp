@@ -5,12 +5,12 @@
 
 namespace {
 
-QString summary()
+QString clearCacheSummary()
 {
     return qtTrId("lumctl-clear-cache-summary");
 }
 
-ExitCode run(Session &session)
+ExitCode runClearCache(Session &session)
 {
     const auto named = session.findNamed(session.arguments.first());
     if (!named)
@@ -22,4 +22,4 @@ ExitCode run(Session &session)
 } // namespace
 
 const Command clearCacheCommand = {
-    "clear-cache", summary, "NAME", 1, 1, usualTimeLimit, addExactOption, run};
+    "clear-cache", clearCacheSummary, "NAME", 1, 1, usualTimeLimit, addExactOption, runClearCache};

@@ -11,12 +11,12 @@ namespace {
 
 const QLatin1String yesOption("yes");
 
-QString summary()
+QString clearDataSummary()
 {
     return qtTrId("lumctl-clear-data-summary");
 }
 
-void addOptions(QCommandLineParser &parser)
+void addClearDataOptions(QCommandLineParser &parser)
 {
     addExactOption(parser);
     parser.addOption({yesOption, qtTrId("lumctl-option-yes")});
@@ -34,7 +34,7 @@ bool isConfirmed(const QString &question)
     return word == qtTrId("lumctl-answer-y") || word == qtTrId("lumctl-answer-yes");
 }
 
-ExitCode run(Session &session)
+ExitCode runClearData(Session &session)
 {
     const bool isSure = session.options.isSet(yesOption);
     const bool canAsk = isatty(STDIN_FILENO) != 0 && session.output.isTerminal();
@@ -54,5 +54,5 @@ ExitCode run(Session &session)
 
 } // namespace
 
-const Command clearDataCommand = {
-    "clear-data", summary, "NAME", 1, 1, usualTimeLimit, addOptions, run};
+const Command clearDataCommand = {"clear-data", clearDataSummary, "NAME", 1, 1, usualTimeLimit,
+    addClearDataOptions, runClearData};

@@ -15,7 +15,7 @@ bool isCompletable(const QString &name)
     return !name.isEmpty() && name.size() <= longest && shownName(name) == name;
 }
 
-ExitCode run(Session &session)
+ExitCode runCompleteNames(Session &session)
 {
     const auto answer = session.ask<QVector<AndroidApp>>(&LumdClient::listApps);
     // Somebody is typing: an error would only be in the way.
@@ -38,4 +38,4 @@ ExitCode run(Session &session)
 } // namespace
 
 const Command completeNamesCommand = {
-    "complete-names", nullptr, "", 0, 0, usualTimeLimit, nullptr, run};
+    "complete-names", nullptr, "", 0, 0, usualTimeLimit, nullptr, runCompleteNames};

@@ -17,7 +17,7 @@ struct Details
     std::optional<bool> isStartedOnBoot;
 };
 
-QString summary()
+QString infoSummary()
 {
     return qtTrId("lumctl-info-summary");
 }
@@ -65,7 +65,7 @@ QString onOrOff(const std::optional<bool> &isOn)
     return *isOn ? qtTrId("lumctl-on") : qtTrId("lumctl-off");
 }
 
-ExitCode run(Session &session)
+ExitCode runInfo(Session &session)
 {
     const auto named = session.findNamed(session.arguments.first());
     if (!named)
@@ -95,4 +95,5 @@ ExitCode run(Session &session)
 
 } // namespace
 
-const Command infoCommand = {"info", summary, "NAME", 1, 1, usualTimeLimit, addExactOption, run};
+const Command infoCommand = {
+    "info", infoSummary, "NAME", 1, 1, usualTimeLimit, addExactOption, runInfo};

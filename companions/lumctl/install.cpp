@@ -11,7 +11,7 @@
 
 namespace {
 
-QString summary()
+QString installSummary()
 {
     return qtTrId("lumctl-install-summary");
 }
@@ -38,7 +38,7 @@ bool isPrivileged()
     return name == "privileged" || name == "disk";
 }
 
-ExitCode run(Session &session)
+ExitCode runInstall(Session &session)
 {
     PackageChanges changes(session,
         {"install", "installed", qtTrId("lumctl-install-done"), qtTrId("lumctl-install-failed"),
@@ -67,5 +67,5 @@ ExitCode run(Session &session)
 
 } // namespace
 
-const Command installCommand = {
-    "install", summary, "FILE...", 1, anyNumber, changeTimeLimit, PackageChanges::addOptions, run};
+const Command installCommand = {"install", installSummary, "FILE...", 1, anyNumber, changeTimeLimit,
+    PackageChanges::addOptions, runInstall};

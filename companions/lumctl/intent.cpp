@@ -6,12 +6,12 @@
 
 namespace {
 
-QString summary()
+QString intentSummary()
 {
     return qtTrId("lumctl-intent-summary");
 }
 
-void addOptions(QCommandLineParser &parser)
+void addIntentOptions(QCommandLineParser &parser)
 {
     const QString word = QStringLiteral("TEXT");
     parser.addOption({QStringLiteral("action"), qtTrId("lumctl-option-action"), word});
@@ -25,7 +25,7 @@ void addOptions(QCommandLineParser &parser)
         {QStringLiteral("extra"), qtTrId("lumctl-option-extra"), QStringLiteral("TYPE:KEY=VALUE")});
 }
 
-ExitCode run(Session &session)
+ExitCode runIntent(Session &session)
 {
     const QCommandLineParser &options = session.options;
     AndroidIntent intent;
@@ -52,4 +52,5 @@ ExitCode run(Session &session)
 
 } // namespace
 
-const Command intentCommand = {"intent", summary, "", 0, 0, usualTimeLimit, addOptions, run};
+const Command intentCommand = {
+    "intent", intentSummary, "", 0, 0, usualTimeLimit, addIntentOptions, runIntent};

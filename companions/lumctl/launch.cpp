@@ -5,7 +5,7 @@
 
 namespace {
 
-QString summary()
+QString launchSummary()
 {
     return qtTrId("lumctl-launch-summary");
 }
@@ -18,7 +18,7 @@ QString namedClass(const NamedApp &named)
     return named.app.launchers.at(named.launcher).className();
 }
 
-ExitCode run(Session &session)
+ExitCode runLaunch(Session &session)
 {
     const auto named = session.findNamed(session.arguments.first());
     if (!named)
@@ -44,4 +44,4 @@ ExitCode run(Session &session)
 } // namespace
 
 const Command launchCommand = {
-    "launch", summary, "NAME", 1, 1, usualTimeLimit, addExactOption, run};
+    "launch", launchSummary, "NAME", 1, 1, usualTimeLimit, addExactOption, runLaunch};

@@ -4,12 +4,12 @@
 
 namespace {
 
-QString summary()
+QString licencesSummary()
 {
     return qtTrId("lumctl-licences-summary");
 }
 
-ExitCode run(Session &session)
+ExitCode runLicences(Session &session)
 {
     return requestLaunch(session, QStringLiteral("android.settings.LEGAL_INFO"),
         qtTrId("lumctl-licences-done"),
@@ -18,4 +18,5 @@ ExitCode run(Session &session)
 
 } // namespace
 
-const Command licencesCommand = {"licences", summary, "", 0, 0, usualTimeLimit, nullptr, run};
+const Command licencesCommand = {
+    "licences", licencesSummary, "", 0, 0, usualTimeLimit, nullptr, runLicences};

@@ -10,12 +10,12 @@
 
 namespace {
 
-QString summary()
+QString listSummary()
 {
     return qtTrId("lumctl-list-summary");
 }
 
-ExitCode run(Session &session)
+ExitCode runList(Session &session)
 {
     auto answer = session.ask<QVector<AndroidApp>>(&LumdClient::listApps);
     if (answer.error)
@@ -43,4 +43,4 @@ ExitCode run(Session &session)
 
 } // namespace
 
-const Command listCommand = {"list", summary, "", 0, 0, usualTimeLimit, nullptr, run};
+const Command listCommand = {"list", listSummary, "", 0, 0, usualTimeLimit, nullptr, runList};

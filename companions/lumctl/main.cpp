@@ -41,12 +41,6 @@ const Command *const commands[] = {
     &completeNamesCommand,
 };
 
-void print(FILE *stream, const QString &text)
-{
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
-}
-
 /// The place of the first argument that is not an option nor an option's value; -1 for none.
 int placeOfCommand(const QStringList &arguments)
 {

@@ -5,7 +5,7 @@
 
 namespace {
 
-QString summary()
+QString monitorSummary()
 {
     return qtTrId("lumctl-monitor-summary");
 }
@@ -77,7 +77,7 @@ void EventPrinter::follow(LumdClient &client, QObject *context) const
     });
 }
 
-ExitCode run(Session &session)
+ExitCode runMonitor(Session &session)
 {
     const EventPrinter printer(session.output);
     printer.follow(session.client, &session);
@@ -92,4 +92,4 @@ ExitCode run(Session &session)
 
 } // namespace
 
-const Command monitorCommand = {"monitor", summary, "", 0, 0, 0, nullptr, run};
+const Command monitorCommand = {"monitor", monitorSummary, "", 0, 0, 0, nullptr, runMonitor};

@@ -11,12 +11,12 @@ namespace {
 
 const QLatin1String packageOption("package");
 
-QString summary()
+QString openSummary()
 {
     return qtTrId("lumctl-open-summary");
 }
 
-void addOptions(QCommandLineParser &parser)
+void addOpenOptions(QCommandLineParser &parser)
 {
     addExactOption(parser);
     parser.addOption({packageOption, qtTrId("lumctl-option-open-package"), QStringLiteral("NAME")});
@@ -29,7 +29,7 @@ bool isRemote(const QString &argument)
     return !QFileInfo::exists(argument) && url.isValid() && !url.isRelative() && !url.isLocalFile();
 }
 
-ExitCode run(Session &session)
+ExitCode runOpen(Session &session)
 {
     const QString &argument = session.arguments.first();
     AndroidIntent intent;
@@ -56,4 +56,5 @@ ExitCode run(Session &session)
 
 } // namespace
 
-const Command openCommand = {"open", summary, "URL|FILE", 1, 1, usualTimeLimit, addOptions, run};
+const Command openCommand = {
+    "open", openSummary, "URL|FILE", 1, 1, usualTimeLimit, addOpenOptions, runOpen};

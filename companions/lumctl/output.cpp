@@ -36,12 +36,6 @@ int terminalWidth()
     return usual;
 }
 
-void print(FILE *stream, const QString &text)
-{
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
-}
-
 /// The text with what a terminal must not get written as JSON writes it.
 QString withoutControlCodes(const QString &json)
 {
@@ -59,6 +53,12 @@ QString withoutControlCodes(const QString &json)
 }
 
 } // namespace
+
+void print(FILE *stream, const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
+}
 
 Output::Output(Form form)
     : m_form(form),

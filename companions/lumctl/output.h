@@ -6,6 +6,11 @@
 #include <QStringList>
 #include <QVector>
 
+#include <cstdio>
+
+/// Writes the text as UTF-8.
+void print(FILE *stream, const QString &text);
+
 /// What lumctl prints. Texts of apps have been through shownName() before they come here.
 class Output
 {

@@ -6,18 +6,18 @@
 
 namespace {
 
-QString summary()
+QString removeSummary()
 {
     return qtTrId("lumctl-remove-summary");
 }
 
-void addOptions(QCommandLineParser &parser)
+void addRemoveOptions(QCommandLineParser &parser)
 {
     addExactOption(parser);
     PackageChanges::addOptions(parser);
 }
 
-ExitCode run(Session &session)
+ExitCode runRemove(Session &session)
 {
     // Nothing is removed while one of the names is not clear.
     QVector<AndroidApp> apps;
@@ -53,4 +53,4 @@ ExitCode run(Session &session)
 } // namespace
 
 const Command removeCommand = {
-    "remove", summary, "NAME...", 1, anyNumber, changeTimeLimit, addOptions, run};
+    "remove", removeSummary, "NAME...", 1, anyNumber, changeTimeLimit, addRemoveOptions, runRemove};

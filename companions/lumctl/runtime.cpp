@@ -5,12 +5,12 @@
 
 namespace {
 
-QString summary()
+QString runtimeSummary()
 {
     return qtTrId("lumctl-runtime-summary");
 }
 
-void addOptions(QCommandLineParser &parser)
+void addRuntimeOptions(QCommandLineParser &parser)
 {
     parser.addOption({QStringLiteral("no-wait"), qtTrId("lumctl-option-no-wait")});
 }
@@ -112,7 +112,7 @@ ExitCode showStatus(Session &session)
     return ExitCode::Success;
 }
 
-ExitCode run(Session &session)
+ExitCode runRuntime(Session &session)
 {
     const QString word = session.arguments.first();
     if (word == QLatin1String("start") || word == QLatin1String("stop"))
@@ -126,5 +126,5 @@ ExitCode run(Session &session)
 
 } // namespace
 
-const Command runtimeCommand = {
-    "runtime", summary, "start|stop|enable|disable|status", 1, 1, usualTimeLimit, addOptions, run};
+const Command runtimeCommand = {"runtime", runtimeSummary, "start|stop|enable|disable|status", 1, 1,
+    usualTimeLimit, addRuntimeOptions, runRuntime};

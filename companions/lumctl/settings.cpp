@@ -5,12 +5,12 @@
 
 namespace {
 
-QString summary()
+QString settingsSummary()
 {
     return qtTrId("lumctl-settings-summary");
 }
 
-ExitCode run(Session &session)
+ExitCode runSettings(Session &session)
 {
     const auto named = session.findNamed(session.arguments.first());
     if (!named)
@@ -25,4 +25,4 @@ ExitCode run(Session &session)
 } // namespace
 
 const Command settingsCommand = {
-    "settings", summary, "NAME", 1, 1, usualTimeLimit, addExactOption, run};
+    "settings", settingsSummary, "NAME", 1, 1, usualTimeLimit, addExactOption, runSettings};

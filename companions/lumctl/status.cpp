@@ -5,12 +5,12 @@
 
 namespace {
 
-QString summary()
+QString statusSummary()
 {
     return qtTrId("lumctl-status-summary");
 }
 
-ExitCode run(Session &session)
+ExitCode runStatus(Session &session)
 {
     const auto answer = session.ask<DaemonState>(&LumdClient::fetchState);
     if (answer.error)
@@ -36,4 +36,5 @@ ExitCode run(Session &session)
 
 } // namespace
 
-const Command statusCommand = {"status", summary, "", 0, 0, usualTimeLimit, nullptr, run};
+const Command statusCommand = {
+    "status", statusSummary, "", 0, 0, usualTimeLimit, nullptr, runStatus};

@@ -5,12 +5,12 @@
 
 namespace {
 
-QString summary()
+QString stopSummary()
 {
     return qtTrId("lumctl-stop-summary");
 }
 
-ExitCode run(Session &session)
+ExitCode runStop(Session &session)
 {
     const auto named = session.findNamed(session.arguments.first());
     if (!named)
@@ -21,4 +21,5 @@ ExitCode run(Session &session)
 
 } // namespace
 
-const Command stopCommand = {"stop", summary, "NAME", 1, 1, usualTimeLimit, addExactOption, run};
+const Command stopCommand = {
+    "stop", stopSummary, "NAME", 1, 1, usualTimeLimit, addExactOption, runStop};

@@ -2,6 +2,7 @@
 #include "androidbundle.h"
 
 #include "androidparcel.h"
+#include "nullabletext.h"
 
 #include <QJsonArray>
 
@@ -20,11 +21,6 @@ enum ValueType : qint32 {
     Boolean = 9,
     StringArray = 14
 };
-
-QJsonValue json(const QString &text)
-{
-    return text.isNull() ? QJsonValue() : QJsonValue(text);
-}
 
 QJsonObject value(const char *type, const QJsonValue &content)
 {

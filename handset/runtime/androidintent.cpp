@@ -3,6 +3,7 @@
 
 #include "androidbundle.h"
 #include "androidparcel.h"
+#include "nullabletext.h"
 
 #include <QJsonArray>
 
@@ -12,11 +13,6 @@ constexpr int FirstSdkWithIdentifier = 29;
 
 // android.net.Uri: NULL_TYPE_ID, and the type of StringUri
 enum UriType : qint32 { NoUri = 0, StringUri = 1 };
-
-QJsonValue json(const QString &text)
-{
-    return text.isNull() ? QJsonValue() : QJsonValue(text);
-}
 
 QJsonValue readUri(AndroidParcel &parcel)
 {

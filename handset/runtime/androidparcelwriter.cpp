@@ -1,12 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "androidparcelwriter.h"
 
-namespace {
-
-constexpr int Alignment = 4;
-
-} // namespace
-
 void AndroidParcelWriter::writeInt32(qint32 value)
 {
     m_bytes.append(reinterpret_cast<const char *>(&value), sizeof(value));
@@ -36,5 +30,6 @@ void AndroidParcelWriter::writeByteArray(const QByteArray &bytes)
 
 void AndroidParcelWriter::pad()
 {
-    m_bytes.append((Alignment - m_bytes.size() % Alignment) % Alignment, '\0');
+    constexpr int alignment = 4;
+    m_bytes.append((alignment - m_bytes.size() % alignment) % alignment, '\0');
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "appcatalogue.h"
 
+#include "nullabletext.h"
+
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
@@ -20,11 +22,6 @@ QString text(const QJsonObject &json, const char *key)
 {
     const QJsonValue value = json.value(QLatin1String(key));
     return value.isString() ? QLatin1String("") + value.toString() : QString();
-}
-
-QJsonValue json(const QString &text)
-{
-    return text.isNull() ? QJsonValue() : QJsonValue(text);
 }
 
 qint64 bytes(const QJsonObject &json, const char *key)

@@ -2,15 +2,11 @@
 #include "launchercalls.h"
 
 #include "androidparcelwriter.h"
+#include "nullabletext.h"
 
 namespace {
 
 enum Code : quint32 { Added = 1, Complete = 2, Removed = 3 };
-
-QJsonValue describe(const QString &text)
-{
-    return text.isNull() ? QJsonValue() : QJsonValue(text);
-}
 
 } // namespace
 
@@ -30,10 +26,10 @@ LauncherCall LauncherCalls::added(
     arguments.writeByteArray(launcher.icon);
     return {Added, interface(), arguments.bytes(), oneway, true,
         {{QStringLiteral("method"), QStringLiteral("added")},
-            {QStringLiteral("package"), describe(app.package)},
-            {QStringLiteral("class"), describe(launcher.className)},
-            {QStringLiteral("caption"), describe(launcher.caption)},
-            {QStringLiteral("version"), describe(app.version)},
+            {QStringLiteral("package"), json(app.package)},
+            {QStringLiteral("class"), json(launcher.className)},
+            {QStringLiteral("caption"), json(launcher.caption)},
+            {QStringLiteral("version"), json(app.version)},
             {QStringLiteral("iconBytes"), launcher.icon.isNull() ? -1 : launcher.icon.size()}}};
 }
 
@@ -49,7 +45,7 @@ LauncherCall LauncherCalls::removed(const QString &package, bool oneway)
     arguments.writeString16(package);
     return {Removed, interface(), arguments.bytes(), oneway, true,
         {{QStringLiteral("method"), QStringLiteral("removed")},
-            {QStringLiteral("package"), describe(package)}}};
+            {QStringLiteral("package"), json(package)}}};
 }
 
 LauncherCall LauncherCalls::raw(

@@ -5,6 +5,7 @@
 #include "eventlog.h"
 #include "launchercalls.h"
 #include "launcherchannel.h"
+#include "nullabletext.h"
 #include "requestheader.h"
 #include "windowlist.h"
 
@@ -32,11 +33,6 @@ constexpr int FirstSdkWithSessions = 28;
 constexpr quint32 OnPackageInstalled = 2;
 constexpr quint32 PackageDeleted = 1;
 constexpr quint32 OnRemoveCompleted = 1;
-
-QJsonValue describe(const QString &text)
-{
-    return text.isNull() ? QJsonValue() : QJsonValue(text);
-}
 
 } // namespace
 
@@ -101,9 +97,9 @@ void PackageInstaller::carryOutInstall(const QString &path, const Observer &obse
     InstallResult result = readApk(path, &app);
     result.replaced = m_environment.apps->contains(app.package);
     QJsonObject record{{QStringLiteral("event"), QStringLiteral("install")},
-        {QStringLiteral("path"), path}, {QStringLiteral("package"), describe(result.package)},
+        {QStringLiteral("path"), path}, {QStringLiteral("package"), json(result.package)},
         {QStringLiteral("returnCode"), result.returnCode},
-        {QStringLiteral("message"), describe(result.message)}};
+        {QStringLiteral("message"), json(result.message)}};
     if (result.replaced) {
         // the new version keeps what the old one had gathered
         const AndroidApp old = m_environment.apps->app(app.package);
@@ -129,7 +125,7 @@ void PackageInstaller::carryOutRemove(const QString &package, const Observer &ob
     const bool known = m_environment.apps->contains(package);
     const qint32 returnCode = known ? DeleteSucceeded : DeleteFailedInternalError;
     QJsonObject record{{QStringLiteral("event"), QStringLiteral("delete")},
-        {QStringLiteral("package"), describe(package)}, {QStringLiteral("returnCode"), returnCode}};
+        {QStringLiteral("package"), json(package)}, {QStringLiteral("returnCode"), returnCode}};
     if (known && !m_environment.apps->remove(package))
         record.insert(QStringLiteral("error"), QStringLiteral("could not drop the app's file"));
     m_environment.windows->close(package);
@@ -167,7 +163,7 @@ void PackageInstaller::carryOutClear(
         OnRemoveCompleted, arguments.bytes(),
         {{QStringLiteral("event"), QStringLiteral("clear")},
             {QStringLiteral("what"), cacheAlone ? QStringLiteral("cache") : QStringLiteral("data")},
-            {QStringLiteral("package"), describe(package)}, {QStringLiteral("succeeded"), known}});
+            {QStringLiteral("package"), json(package)}, {QStringLiteral("succeeded"), known}});
 }
 
 void PackageInstaller::announce(

@@ -2,6 +2,7 @@
 #include "services/androidservice.h"
 
 #include "eventlog.h"
+#include "nullabletext.h"
 #include "requestheader.h"
 
 #include <utility>
@@ -103,7 +104,7 @@ QJsonValue AndroidService::describe(const AndroidParcel::Binder &object)
 
 QJsonValue AndroidService::describe(const QString &text)
 {
-    return text.isNull() ? QJsonValue() : QJsonValue(text);
+    return json(text);
 }
 
 GBinderLocalReply *AndroidService::onTransact(GBinderLocalObject *, GBinderRemoteRequest *request,
