@@ -34,7 +34,7 @@ QJsonArray readStrings(AndroidParcel &parcel)
         parcel.fail(QStringLiteral("string array of length %1").arg(count));
     QJsonArray strings;
     for (qint32 i = 0; parcel.ok() && i < count; ++i)
-        strings.append(json(parcel.readString16()));
+        strings.append(nullableText(parcel.readString16()));
     return strings;
 }
 
@@ -45,7 +45,7 @@ QJsonObject readValue(AndroidParcel &parcel)
     case Null:
         return value("null", {});
     case String:
-        return value("string", json(parcel.readString16()));
+        return value("string", nullableText(parcel.readString16()));
     case Integer:
         return value("int", parcel.readInt32());
     case Long:

@@ -24,7 +24,7 @@ QJsonValue readUri(AndroidParcel &parcel)
     const QString text = parcel.readString16();
     if (text.isEmpty())
         parcel.fail(QStringLiteral("Uri without a text"));
-    return json(text);
+    return nullableText(text);
 }
 
 QJsonArray readCategories(AndroidParcel &parcel)
@@ -34,7 +34,7 @@ QJsonArray readCategories(AndroidParcel &parcel)
         parcel.fail(QStringLiteral("%1 categories").arg(count));
     QJsonArray categories;
     for (qint32 i = 0; parcel.ok() && i < count; ++i)
-        categories.append(json(parcel.readString16()));
+        categories.append(nullableText(parcel.readString16()));
     return categories;
 }
 
@@ -50,20 +50,20 @@ AndroidIntent AndroidIntent::read(AndroidParcel &parcel, int sdk)
 {
     AndroidIntent intent;
     QJsonObject &record = intent.record;
-    record.insert(QStringLiteral("action"), json(parcel.readString16()));
+    record.insert(QStringLiteral("action"), nullableText(parcel.readString16()));
     record.insert(QStringLiteral("data"), readUri(parcel));
-    record.insert(QStringLiteral("type"), json(parcel.readString16()));
+    record.insert(QStringLiteral("type"), nullableText(parcel.readString16()));
     if (sdk >= FirstSdkWithIdentifier)
-        record.insert(QStringLiteral("identifier"), json(parcel.readString16()));
+        record.insert(QStringLiteral("identifier"), nullableText(parcel.readString16()));
     record.insert(QStringLiteral("flags"), parcel.readInt32());
     intent.package = parcel.readString16();
-    record.insert(QStringLiteral("package"), json(intent.package));
+    record.insert(QStringLiteral("package"), nullableText(intent.package));
 
     const QString componentPackage = parcel.readString16();
     QJsonValue component;
     if (!componentPackage.isNull()) {
         component = QJsonObject{{QStringLiteral("package"), componentPackage},
-            {QStringLiteral("class"), json(parcel.readString16())}};
+            {QStringLiteral("class"), nullableText(parcel.readString16())}};
     }
     record.insert(QStringLiteral("component"), component);
     readAbsent(parcel, "source bounds");

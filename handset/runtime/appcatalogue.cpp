@@ -79,18 +79,18 @@ QJsonObject AndroidApp::toJson() const
 {
     QJsonArray entries;
     for (const Launcher &launcher : launchers) {
-        QJsonObject entry{{QStringLiteral("class"), json(launcher.className)},
-            {QStringLiteral("caption"), json(launcher.caption)}};
+        QJsonObject entry{{QStringLiteral("class"), nullableText(launcher.className)},
+            {QStringLiteral("caption"), nullableText(launcher.caption)}};
         if (!launcher.icon.isNull()) {
             entry.insert(
                 QStringLiteral("iconBase64"), QString::fromLatin1(launcher.icon.toBase64()));
         }
         entries.append(entry);
     }
-    return {{QStringLiteral("package"), package}, {QStringLiteral("version"), json(version)},
-        {QStringLiteral("uid"), uid}, {QStringLiteral("launchers"), entries},
-        {QStringLiteral("codeBytes"), codeBytes}, {QStringLiteral("dataBytes"), dataBytes},
-        {QStringLiteral("cacheBytes"), cacheBytes},
+    return {{QStringLiteral("package"), package},
+        {QStringLiteral("version"), nullableText(version)}, {QStringLiteral("uid"), uid},
+        {QStringLiteral("launchers"), entries}, {QStringLiteral("codeBytes"), codeBytes},
+        {QStringLiteral("dataBytes"), dataBytes}, {QStringLiteral("cacheBytes"), cacheBytes},
         {QStringLiteral("powerSaveWhitelisted"), powerSaveWhitelisted}};
 }
 

@@ -26,10 +26,10 @@ LauncherCall LauncherCalls::added(
     arguments.writeByteArray(launcher.icon);
     return {Added, interface(), arguments.bytes(), oneway, true,
         {{QStringLiteral("method"), QStringLiteral("added")},
-            {QStringLiteral("package"), json(app.package)},
-            {QStringLiteral("class"), json(launcher.className)},
-            {QStringLiteral("caption"), json(launcher.caption)},
-            {QStringLiteral("version"), json(app.version)},
+            {QStringLiteral("package"), nullableText(app.package)},
+            {QStringLiteral("class"), nullableText(launcher.className)},
+            {QStringLiteral("caption"), nullableText(launcher.caption)},
+            {QStringLiteral("version"), nullableText(app.version)},
             {QStringLiteral("iconBytes"), launcher.icon.isNull() ? -1 : launcher.icon.size()}}};
 }
 
@@ -45,7 +45,7 @@ LauncherCall LauncherCalls::removed(const QString &package, bool oneway)
     arguments.writeString16(package);
     return {Removed, interface(), arguments.bytes(), oneway, true,
         {{QStringLiteral("method"), QStringLiteral("removed")},
-            {QStringLiteral("package"), json(package)}}};
+            {QStringLiteral("package"), nullableText(package)}}};
 }
 
 LauncherCall LauncherCalls::raw(

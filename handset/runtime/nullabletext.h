@@ -5,7 +5,7 @@
 #include <QString>
 
 /// A text as the event log and the catalogue have it: Android's null string is JSON's null.
-inline QJsonValue json(const QString &text)
+inline QJsonValue nullableText(const QString &text)
 {
     return text.isNull() ? QJsonValue() : QJsonValue(text);
 }

@@ -97,9 +97,9 @@ void PackageInstaller::carryOutInstall(const QString &path, const Observer &obse
     InstallResult result = readApk(path, &app);
     result.replaced = m_environment.apps->contains(app.package);
     QJsonObject record{{QStringLiteral("event"), QStringLiteral("install")},
-        {QStringLiteral("path"), path}, {QStringLiteral("package"), json(result.package)},
+        {QStringLiteral("path"), path}, {QStringLiteral("package"), nullableText(result.package)},
         {QStringLiteral("returnCode"), result.returnCode},
-        {QStringLiteral("message"), json(result.message)}};
+        {QStringLiteral("message"), nullableText(result.message)}};
     if (result.replaced) {
         // the new version keeps what the old one had gathered
         const AndroidApp old = m_environment.apps->app(app.package);
@@ -125,7 +125,8 @@ void PackageInstaller::carryOutRemove(const QString &package, const Observer &ob
     const bool known = m_environment.apps->contains(package);
     const qint32 returnCode = known ? DeleteSucceeded : DeleteFailedInternalError;
     QJsonObject record{{QStringLiteral("event"), QStringLiteral("delete")},
-        {QStringLiteral("package"), json(package)}, {QStringLiteral("returnCode"), returnCode}};
+        {QStringLiteral("package"), nullableText(package)},
+        {QStringLiteral("returnCode"), returnCode}};
     if (known && !m_environment.apps->remove(package))
         record.insert(QStringLiteral("error"), QStringLiteral("could not drop the app's file"));
     m_environment.windows->close(package);
@@ -163,7 +164,8 @@ void PackageInstaller::carryOutClear(
         OnRemoveCompleted, arguments.bytes(),
         {{QStringLiteral("event"), QStringLiteral("clear")},
             {QStringLiteral("what"), cacheAlone ? QStringLiteral("cache") : QStringLiteral("data")},
-            {QStringLiteral("package"), json(package)}, {QStringLiteral("succeeded"), known}});
+            {QStringLiteral("package"), nullableText(package)},
+            {QStringLiteral("succeeded"), known}});
 }
 
 void PackageInstaller::announce(

@@ -104,7 +104,7 @@ QJsonValue AndroidService::describe(const AndroidParcel::Binder &object)
 
 QJsonValue AndroidService::describe(const QString &text)
 {
-    return json(text);
+    return nullableText(text);
 }
 
 GBinderLocalReply *AndroidService::onTransact(GBinderLocalObject *, GBinderRemoteRequest *request,
