@@ -3,7 +3,7 @@
 #include "tests/support/testmain.h"
 
 #include <QDBusConnection>
-#include <QDBusPendingCall>
+#include <QDBusMessage>
 #include <QDir>
 
 namespace {
@@ -20,6 +20,15 @@ bool request(const char *method, const QString &argument)
 {
     return resultOf(DaemonFixture::call(QString::fromLatin1(method), {argument}))
         == QLatin1String("true");
+}
+
+QDBusMessage removal(const QString &package)
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(QStringLiteral("com.tovra.lumd"),
+        QStringLiteral("/com/tovra/lumd"), QStringLiteral("com.tovra.lumd"),
+        QStringLiteral("removeFile"));
+    message.setArguments({package});
+    return message;
 }
 
 } // namespace
@@ -252,25 +261,20 @@ void TestDeferral::monitorReleasesLaunchesBeforeRequests()
 void TestDeferral::tenThousandRequestsAreReplayedOnceEach()
 {
     constexpr int count = 10000;
-    constexpr int batch = 100; // the bus takes 128 calls without an answer
+    constexpr int batch = 100;
     m_world->daemon->setLoggingRules(
         QStringLiteral("com.tovra.lumd.service=true\ncom.tovra.lumd.binder=true"));
     QVERIFY(m_world->start());
     QStringList packages;
     for (int first = 0; first < count; first += batch) {
-        QVector<QDBusPendingCall> calls;
-        for (int i = first; i < first + batch; ++i) {
+        // Most callers wait for no answer, which would take half of the test's time.
+        for (int i = first; i < first + batch - 1; ++i) {
             packages.append(QStringLiteral("com.foo%1").arg(i));
-            QDBusMessage message = QDBusMessage::createMethodCall(QStringLiteral("com.tovra.lumd"),
-                QStringLiteral("/com/tovra/lumd"), QStringLiteral("com.tovra.lumd"),
-                QStringLiteral("removeFile"));
-            message.setArguments({packages.last()});
-            calls.append(QDBusConnection::systemBus().asyncCall(message));
+            QVERIFY(QDBusConnection::systemBus().send(removal(packages.last())));
         }
-        for (QDBusPendingCall &call : calls) {
-            call.waitForFinished();
-            QCOMPARE(resultOf(call.reply()), QStringLiteral("true"));
-        }
+        packages.append(QStringLiteral("com.foo%1").arg(first + batch - 1));
+        const QDBusMessage reply = QDBusConnection::systemBus().call(removal(packages.last()));
+        QCOMPARE(resultOf(reply), QStringLiteral("true"));
     }
     QVERIFY(m_world->bringUpRuntime());
     QVERIFY(m_world->android->waitForRequest(packageService, uninstallCode, count));

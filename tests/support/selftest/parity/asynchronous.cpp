@@ -10,7 +10,9 @@
 
 namespace {
 
-constexpr int Delay = 60; // milliseconds
+// Milliseconds; the second is more than a busy machine keeps a process waiting.
+constexpr int Delay = 60;
+constexpr int LongDelay = 1500;
 
 struct Call
 {
@@ -100,12 +102,12 @@ void callsThatAreCancelled(GBinderClient *client)
     printf("%s: returned %d\n", early.name, early.isDone);
     finish(&early);
 
-    Wire::delayReplies(Delay);
+    Wire::delayReplies(LongDelay);
     Call late{"cancelled later", client};
     const gulong id = start(&late);
-    turnFor(Delay / 3);
+    turnFor(Delay);
     gbinder_client_cancel(client, id);
-    turnFor(Delay / 6);
+    turnFor(Delay);
     // The thread that makes the call is not free before the answer.
     printf("%s: returned %d\n", late.name, late.isDone);
     finish(&late);
