@@ -20,7 +20,8 @@ NAMES = ("lumd", "lumctl", "lumd-handset-runtime")
 PROFILE = "pkg.lumd.handset"
 
 # What the packages are not made of.
-BESIDE = (".ci/", "bench/", "debian/tests/", "fuzz/", "handset/", "tests/", "tools/")
+BESIDE = (".ci/", "bench/", "debian/tests/", "docs/benchmarks.md", "docs/pictures/",
+          "docs/testing.md", "fuzz/", "handset/", "tests/", "tools/")
 
 
 def build(say=print):
