@@ -13,17 +13,26 @@ import debianroot  # noqa: E402
 PACKAGES = PROJECT / 'build' / 'packages'
 SUITE = 'trixie'
 
-# What lumd takes, so that it installs without a network, and what its tests do.
+# What the packages take, so that it installs without a network, and what its tests do.
 INSTALLED = ('autopkgtest', 'dbus', 'dpkg-dev', 'libgbinder1', 'libpackagekitqt5-1',
-             'libpam-systemd', 'libqt5dbus5t64', 'systemd-sysv')
+             'libpam-systemd', 'libqt5dbus5t64', 'libqt5svg5', 'qml-module-org-kde-kirigami2',
+             'qml-module-qtquick-controls2', 'qml-module-qtquick-layouts',
+             'qml-module-qtquick-window2', 'systemd-sysv')
 
 # Before each script. "lists DIR..." shows all that is there, with owners, modes and contents.
 PROLOGUE = r'''
 set -eu
 export DEBIAN_FRONTEND=noninteractive
-lumd=$(echo /packages/lumd_*_"$(dpkg --print-architecture)".deb)
+package() {
+    echo "/packages/$1"_*_"$(dpkg --print-architecture)".deb
+}
+lumd=$(package lumd)
+companions="$(package lumctl) $(package lumd-apps)"
+install_packages() {
+    apt-get -qq install "$@" >/tmp/apt.log 2>&1 || { cat /tmp/apt.log; return 1; }
+}
 install_lumd() {
-    apt-get -qq install "$lumd" >/tmp/apt.log 2>&1 || { cat /tmp/apt.log; return 1; }
+    install_packages "$lumd"
 }
 lists() {
     find "$@" -printf '%y %m %u:%g %p %l\n' -type f -exec sha256sum {} + | LC_ALL=C sort

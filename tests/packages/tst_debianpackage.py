@@ -154,5 +154,47 @@ class Purge(debianhandset.HandsetTest):
             '''), '')
 
 
+class Companions(debianhandset.HandsetTest):
+
+    def testTheyComeAndGoWithoutATrace(self):
+        self.assertEqual(self.on_handset(r'''
+            show >/tmp/before
+            install_packages "$lumd" $companions
+            command -v lumctl lumd-apps
+            dpkg --purge lumctl lumd-apps lumd >/dev/null
+            show | diff /tmp/before -
+            '''), '/usr/bin/lumctl\n/usr/bin/lumd-apps\n')
+
+    def testTheyLeaveLumdAsItWas(self):
+        self.assertEqual(self.on_handset('install_lumd', GENERATED, KEPT, r'''
+            show >/tmp/before
+            install_packages $companions
+            dpkg --purge lumctl lumd-apps >/dev/null
+            show | diff /tmp/before -
+            '''), '')
+
+    def testTheyComeWithoutARestartOfLumd(self):
+        self.assertEqual(self.on_handset(r'''
+            install_lumd
+            fake_systemd
+            install_packages $companions
+            grep lumd /tmp/systemctl || echo nothing
+            '''), 'nothing\n')
+
+    def testRemovingLumdTakesThemAlong(self):
+        self.assertEqual(self.on_handset(r'''
+            install_packages "$lumd" $companions
+            apt-get -qq remove lumd >/dev/null 2>&1
+            dpkg-query --show --showformat '${db:Status-Abbrev}${Package}\n' lumd lumctl lumd-apps \
+                2>/dev/null | grep ^i || echo none installed
+            '''), 'none installed\n')
+
+    def testTheyAreNotInstalledWithoutLumd(self):
+        self.assertIn('dependency problems', self.on_handset(r'''
+            dpkg --install $companions 2>&1 && exit 1
+            true
+            '''))
+
+
 if __name__ == '__main__':
     unittest.main()

@@ -130,9 +130,11 @@ class Upgrade(debianhandset.HandsetTest):
 class Installed(debianhandset.HandsetTest):
 
     def testAutopkgtestPasses(self):
-        self.assertIn('installed            PASS', self.on_handset(r'''
-            autopkgtest /packages/lumd_*.dsc "$lumd" -- null 2>&1
-            '''))
+        said = self.on_handset(r'''
+            autopkgtest /packages/lumd_*.dsc "$lumd" $companions -- null 2>&1
+            ''')
+        for test in ('installed', 'command-line', 'window'):
+            self.assertRegex(said, rf'(?m)^{test} +PASS$')
 
 
 if __name__ == '__main__':
