@@ -51,6 +51,7 @@ private Q_SLOTS:
     void blankBehindTheEqualsSignIsSkipped();
     void otherThanAFileGivesZeroAtOnce_data();
     void otherThanAFileGivesZeroAtOnce();
+    void knownLevelIsThatOfTheFileUntilOneIsKept();
 };
 
 void TestSdkVersion::levelIsFoundAndThenKept()
@@ -209,6 +210,21 @@ void TestSdkVersion::otherThanAFileGivesZeroAtOnce()
     const LogCapture log;
     QCOMPARE(ApkConfig::sdkVersion(), 0);
     QCOMPARE(log.lines(), QStringList(notFoundLine()));
+}
+
+void TestSdkVersion::knownLevelIsThatOfTheFileUntilOneIsKept()
+{
+    QFile::remove(QLatin1String(buildProperties));
+    const LogCapture log;
+    QCOMPARE(ApkConfig::knownSdkVersion(), 0);
+    for (const int level : {28, 29}) {
+        QVERIFY(writeProperties("ro.build.version.sdk=" + QByteArray::number(level) + '\n'));
+        QCOMPARE(ApkConfig::knownSdkVersion(), level);
+    }
+    QCOMPARE(ApkConfig::sdkVersion(), 29);
+    QVERIFY(writeProperties("ro.build.version.sdk=30\n"));
+    QCOMPARE(ApkConfig::knownSdkVersion(), 29);
+    QCOMPARE(log.lines(), QStringList());
 }
 
 LUM_TEST_MAIN(TestSdkVersion)

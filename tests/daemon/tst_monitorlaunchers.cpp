@@ -51,10 +51,12 @@ private Q_SLOTS:
     void requestThatTheRuntimeDoesNotTakeHasFailed_data();
     void requestThatTheRuntimeDoesNotTakeHasFailed();
     void removalIsForgottenWithTheRuntime();
+    void removalsThatAreAwaitedAreTheLast256();
     void completeListIsToldOfBehindWhatItRemoves();
     void listHoldsEachLauncherOfEachPackage();
     void listIsReadFromTheFiles();
-    void listBeyondWhatTheBusCarriesIsAnError();
+    void listIsAsLongAsTheBusCarries_data();
+    void listIsAsLongAsTheBusCarries();
 
 private:
     bool startFollowed(const FakeBinder::Handler &packageManager = {});
@@ -246,6 +248,22 @@ void TestMonitorLaunchers::removalIsForgottenWithTheRuntime()
         QStringList{QStringLiteral("PackageRemoved(\"com.foo\")")});
 }
 
+void TestMonitorLaunchers::removalsThatAreAwaitedAreTheLast256()
+{
+    constexpr int most = 256;
+    QVERIFY(startFollowed());
+    for (int i = 0; i <= most; ++i)
+        DaemonFixture::call(QStringLiteral("removeFile"), {QStringLiteral("com.foo%1").arg(i)});
+    for (const int i : {0, 1, most})
+        remove(QStringLiteral("com.foo%1").arg(i));
+    QTRY_COMPARE(m_recorder->signalTexts(),
+        QStringList({QStringLiteral("PackageRemoved(\"com.foo0\")"),
+            QStringLiteral("PackageRemoved(\"com.foo1\")"),
+            QStringLiteral("RemoveFinished(\"com.foo1\", true)"),
+            QStringLiteral("PackageRemoved(\"com.foo256\")"),
+            QStringLiteral("RemoveFinished(\"com.foo256\", true)")}));
+}
+
 void TestMonitorLaunchers::completeListIsToldOfBehindWhatItRemoves()
 {
     QVERIFY(startFollowed());
@@ -286,16 +304,36 @@ void TestMonitorLaunchers::listIsReadFromTheFiles()
             QStringLiteral("com.c: %1lumd_launcher_c.desktop|C|c||true").arg(folder)}));
 }
 
-void TestMonitorLaunchers::listBeyondWhatTheBusCarriesIsAnError()
+// Four bytes are counted for each character and 64 for each launcher, 16 MB in all: 520 launchers
+// with the paths and names below, and one.
+void TestMonitorLaunchers::listIsAsLongAsTheBusCarries_data()
 {
-    const QByteArray name(8192, 'a');
-    for (int i = 0; i < 600; ++i)
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<int>("lines");
+    QTest::addColumn<QString>("lastLine");
+    const QByteArray name(439, 'a');
+    QTest::newRow("longest") << name << 521
+                             << QStringLiteral("com.foo: /usr/share/applications/"
+                                               "lumd_launcher_620.desktop|%1|||false")
+                                    .arg(QString::fromLatin1(name));
+    QTest::newRow("a character more")
+        << name + 'a' << 1
+        << QStringLiteral("org.freedesktop.DBus.Error.LimitsExceeded: Too many launchers");
+}
+
+void TestMonitorLaunchers::listIsAsLongAsTheBusCarries()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(int, lines);
+    QFETCH(QString, lastLine);
+    for (int i = 100; i <= 620; ++i)
         makeFile(QStringLiteral("/usr/share/applications/lumd_launcher_%1.desktop").arg(i),
-            "[Desktop Entry]\nName=" + name + "\nX-lumd-packageName=com.foo\n");
+            "[Desktop Entry]\nName=" + (i == 620 ? name : QByteArray(8000, 'a'))
+                + "\nX-lumd-packageName=com.foo\n");
     QVERIFY(startFollowed());
-    QCOMPARE(MonitorRecorder::listApps(),
-        QStringList{
-            QStringLiteral("org.freedesktop.DBus.Error.LimitsExceeded: Too many launchers")});
+    const QStringList apps = MonitorRecorder::listApps();
+    QCOMPARE(apps.size(), lines);
+    QCOMPARE(apps.last(), lastLine);
     QVERIFY(isOnBus(QStringLiteral("com.tovra.lumd")));
 }
 
