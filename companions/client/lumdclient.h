@@ -24,6 +24,10 @@ struct AppSize
     qint64 code = 0;
     qint64 data = 0; ///< without the cache
     qint64 cache = 0;
+
+    /// Not so in an answer of a lumd that could not ask Android: -1 for one that refused, three
+    /// zeros for one that is down.
+    bool isKnown() const { return code >= 0 && (code != 0 || data != 0 || cache != 0); }
 };
 
 /// An Android intent that starts an activity; an empty field is left out.
@@ -80,7 +84,6 @@ public:
 
     /// The bytes of all apps' data, 0 when that cannot be told. lumd may take 30 seconds for it.
     void fetchDataUsage(const Done<quint64> &done);
-    /// All zero while the runtime is down, and -1, 0, -1 when it refused.
     void fetchSize(const QString &package, const Done<AppSize> &done);
     void fetchStartOnBoot(const QString &package, const Done<bool> &done);
 

@@ -30,8 +30,7 @@ ClientError fetchDetails(Session &session, const QString &package, Details &deta
     const auto size = session.ask<AppSize>(&LumdClient::fetchSize, package);
     if (size.error)
         return size.error;
-    // The number for a call that did not get through.
-    if (size.value.code >= 0)
+    if (size.value.isKnown())
         details.size = size.value;
     const auto isStarted = session.ask<bool>(&LumdClient::fetchStartOnBoot, package);
     if (!isStarted.error)

@@ -110,12 +110,25 @@ void endBySignal(int number)
     std::raise(number);
 }
 
+/// The parser need not know of JSON: a wrong use is told in that form too.
+Output::Form formOf(const QStringList &arguments)
+{
+    return arguments.contains(QLatin1String("--json")) ? Output::Form::Json : Output::Form::Words;
+}
+
+ExitCode misused(
+    const QCommandLineParser &parser, const QStringList &arguments, const QString &text)
+{
+    Output output(formOf(arguments));
+    Session session(parser, {}, output, std::chrono::seconds(1));
+    return session.misused(withHint(text));
+}
+
 ExitCode run(const Command &command, QCommandLineParser &parser, QStringList arguments)
 {
     addOptions(parser, command);
     const bool isParsed = parser.parse(arguments);
-    const bool isJson = arguments.contains(QLatin1String("--json"));
-    Output output(isJson ? Output::Form::Json : Output::Form::Words);
+    Output output(formOf(arguments));
     if (isParsed && parser.isSet(QStringLiteral("help"))) {
         print(stdout, parser.helpText());
         return ExitCode::Success;
@@ -149,6 +162,8 @@ ExitCode run(const QStringList &arguments)
             print(stdout, QStringLiteral("lumctl %1\n").arg(QLatin1String(LUMD_VERSION)));
             return ExitCode::Success;
         }
+        if (!isHelp && arguments.contains(QLatin1String("--json")))
+            return misused(parser, arguments, qtTrId("lumctl-usage"));
         print(isHelp ? stdout : stderr, overview());
         return isHelp ? ExitCode::Success : ExitCode::Usage;
     }
@@ -158,11 +173,8 @@ ExitCode run(const QStringList &arguments)
         });
     if (found != std::end(commands))
         return run(**found, parser, arguments);
-    const bool isJson = arguments.contains(QLatin1String("--json"));
-    Output output(isJson ? Output::Form::Json : Output::Form::Words);
-    Session session(parser, {}, output, std::chrono::seconds(1));
-    return session.misused(
-        withHint(qtTrId("lumctl-no-such-command").arg(shownName(arguments.at(place)))));
+    return misused(
+        parser, arguments, qtTrId("lumctl-no-such-command").arg(shownName(arguments.at(place))));
 }
 
 void installCatalogue(QTranslator &translator, const QString &name)

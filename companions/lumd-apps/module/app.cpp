@@ -52,8 +52,7 @@ void App::update(const AndroidApp &app)
 
 void App::setSizes(const AppSize &size)
 {
-    // -1 says that the runtime could not be asked, three zeros that it is down.
-    m_knowsSizes = size.code >= 0 && (size.code != 0 || size.data != 0 || size.cache != 0);
+    m_knowsSizes = size.isKnown();
     const qint64 nothing = 0;
     m_codeSize = double(std::max(size.code, nothing));
     m_dataSize = double(std::max(size.data, nothing));
