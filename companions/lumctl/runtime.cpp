@@ -58,7 +58,7 @@ private:
     QString m_state;
 };
 
-ExitCode runRuntime(Session &session, bool run)
+ExitCode switchRuntime(Session &session, bool run)
 {
     Progress progress(session, run);
     const ExitCode watched = session.watch();
@@ -116,7 +116,7 @@ ExitCode runRuntime(Session &session)
 {
     const QString word = session.arguments.first();
     if (word == QLatin1String("start") || word == QLatin1String("stop"))
-        return runRuntime(session, word == QLatin1String("start"));
+        return switchRuntime(session, word == QLatin1String("start"));
     if (word == QLatin1String("enable") || word == QLatin1String("disable"))
         return setOnBoot(session, word == QLatin1String("enable"));
     if (word == QLatin1String("status"))

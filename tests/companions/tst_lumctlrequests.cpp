@@ -5,6 +5,8 @@
 #include "tests/support/fakegbinder/parcelreader.h"
 #include "tests/support/testmain.h"
 
+#include <QDir>
+
 #include <atomic>
 
 using FakeBinder::ParcelReader;
@@ -162,6 +164,7 @@ void TestLumctlRequests::urlsAndFilesAreOpened_data()
     call.data = QStringLiteral("/run/apps/b:\u00fc.png");
     call.type = QStringLiteral("image/png");
     QTest::newRow("file with a colon") << words("open /run/apps/../apps/b:\u00fc.png") << call;
+    QTest::newRow("file that reads as a URL") << words("open b:\u00fc.png") << call;
 }
 
 void TestLumctlRequests::urlsAndFilesAreOpened()
@@ -170,6 +173,7 @@ void TestLumctlRequests::urlsAndFilesAreOpened()
     QFETCH(IntentCall, call);
     makeFile(QStringLiteral("/run/apps/page.html"));
     makeFile(QStringLiteral("/run/apps/b:\u00fc.png"));
+    QVERIFY(QDir::setCurrent(QStringLiteral("/run/apps")));
     QVERIFY(serve({mapLauncher()}));
     QCOMPARE(lumctl(arguments).last(), QStringLiteral("exit 0"));
     const QVector<QByteArray> opened = bodies();

@@ -78,8 +78,9 @@ void TestLumctlRuntime::startOfTheRuntimeOnBootIsChanged()
     QCOMPARE(lumctl(words("runtime disable --json")),
         QStringList({QStringLiteral("{\"startOnBoot\":false}"), QStringLiteral("exit 0")}));
     QVERIFY(m_world->systemd.waitForCall(QStringLiteral("DisableUnitFiles")));
-    QCOMPARE(lumctl(words("runtime status")).mid(0, 1),
-        QStringList{QStringLiteral("Android runtime:  inactive")});
+    QCOMPARE(lumctl(words("runtime status")),
+        QStringList({QStringLiteral("Android runtime:  inactive"),
+            QStringLiteral("Start on boot:    off"), QStringLiteral("exit 0")}));
 }
 
 void TestLumctlRuntime::monitorPrintsALineForEachEvent()

@@ -44,6 +44,9 @@ void TestLumctlUsage::wrongUseIsTold_data()
     row("intent --action a --extra int:k=x",
         "\u201cint:k=x\u201d is no extra: TYPE:KEY=VALUE, where TYPE is bool, int, long, double or "
         "string");
+    row("intent --action a --extra int:=1",
+        "\u201cint:=1\u201d is no extra: TYPE:KEY=VALUE, where TYPE is bool, int, long, double or "
+        "string");
     row("clear-data a", "Without a terminal to ask on, clear-data needs --yes");
 }
 
