@@ -7,6 +7,8 @@
 #include "tests/support/systemcalls.h"
 #include "tests/support/testmain.h"
 
+#include <QDir>
+
 namespace {
 
 constexpr uint nemo = 12345;
@@ -15,6 +17,8 @@ constexpr uint disk = 6;
 const QString apk = QStringLiteral("/run/apps/a.apk");
 // Where every user gets at it.
 const QString program = QStringLiteral("/run/lumctl");
+// Where that user may leave the counts of a build that measures its coverage.
+const QString counts = QStringLiteral("/run/counts");
 
 } // namespace
 
@@ -42,6 +46,8 @@ void TestLumctlRights::initTestCase()
     m_world = std::make_unique<AppFixture>();
     makeFile(apk);
     QVERIFY(QFile::copy(QStringLiteral(LUMCTL_PROGRAM), program));
+    QVERIFY(QDir().mkpath(counts));
+    QVERIFY(QFile::setPermissions(counts, QFile::Permissions(0x7777)));
     m_hasUsers = SystemCalls::hasUser(nemo);
     replaceUsersAndGroups();
     makeFile(QStringLiteral("/run/users"),
@@ -61,7 +67,9 @@ QStringList TestLumctlRights::runAs(uint group, const QStringList &arguments) co
             QStringLiteral("--clear-groups")});
     ChildProcess process;
     process.start(command.takeFirst(), command + QStringList{program} + arguments,
-        {{QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8")}}, ChildProcess::Collect::Both);
+        {{QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8")},
+            {QStringLiteral("GCOV_PREFIX"), counts}},
+        ChildProcess::Collect::Both);
     constexpr int patience = 50000;
     if (!process.waitForExit(patience))
         return {QStringLiteral("it does not end")};
