@@ -11,7 +11,6 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 sys.path.insert(0, str(ROOT / "handset"))
 
 import device  # noqa: E402
-import packages  # noqa: E402
 from disturbances import Disturbances  # noqa: E402
 from idleness import Idleness  # noqa: E402
 from machine import Machine  # noqa: E402
@@ -36,10 +35,8 @@ class Measurement:
 
     def run(self):
         """Gives the benchmarks, and what else there is to say of lumd and of the bare service."""
-        wanted = packages.build()
-        self.machine.boot()
+        self.machine.boot(self.build)
         try:
-            self.machine.install(wanted)
             self.prepare()
             measured = self.benchmarks("call")
             self.device.start_runtime()

@@ -46,6 +46,9 @@ void TestLumctlBus::waitForAResultEnds()
     LumctlRun run({QStringLiteral("install"), apk, apk});
     run.start();
     QVERIFY(m_world->android->waitForRequest(QStringLiteral("package"), installCode));
+    // lumctl's answer has left the bus when that of a second call behind it has come.
+    for (int i = 0; i < 2; ++i)
+        QCOMPARE(resultOf(DaemonFixture::call(QStringLiteral("isRunning"))), QStringLiteral("true"));
     QVERIFY(run.process().isRunning());
     m_world->systemBus.stop();
     QVERIFY(run.waitForEnd());
