@@ -48,7 +48,7 @@ void TestLumctlBus::waitForAResultEnds()
     QVERIFY(m_world->android->waitForRequest(QStringLiteral("package"), installCode));
     // lumctl's answer has left the bus when that of a second call behind it has come.
     for (int i = 0; i < 2; ++i)
-        QCOMPARE(resultOf(DaemonFixture::call(QStringLiteral("isRunning"))), QStringLiteral("true"));
+        QCOMPARE(errorOf(DaemonFixture::call(QStringLiteral("isRunning"))), QString());
     QVERIFY(run.process().isRunning());
     m_world->systemBus.stop();
     QVERIFY(run.waitForEnd());
