@@ -3,14 +3,12 @@
 """Tells on the terminal what lumd does on a handset, and checks each step of it."""
 
 import argparse
-import pathlib
 import signal
 import sys
 import time
 
 import apps
 import device
-import payload
 from demoapps import AppSteps
 from demolaunchers import LauncherSteps
 from demosteps import Steps, StepFailed
@@ -56,8 +54,6 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--shell", action="store_true",
                         help="open a shell on the handset afterwards")
-    parser.add_argument("--build", type=pathlib.Path, default=payload.DEFAULT_BUILD,
-                        help="build folder to show (default: build/release)")
     arguments = parser.parse_args()
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
     signal.signal(signal.SIGHUP, lambda *_: sys.exit(129))
@@ -68,7 +64,7 @@ def main():
         return 1
     try:
         handset = device.Device(machine)
-        held = tell(LauncherSteps(handset, arguments.build).steps + AppSteps(handset).steps)
+        held = tell(LauncherSteps(handset).steps + AppSteps(handset).steps)
         if arguments.shell and machine.running():
             print(FAREWELL)
             machine.interact()

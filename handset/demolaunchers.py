@@ -5,6 +5,7 @@ import dataclasses
 
 import apps
 import device
+import packages
 from demosteps import Steps
 
 ALL_APPS = (apps.MAPS, apps.NOTES, apps.KEYBOARD, apps.STORE)
@@ -16,18 +17,22 @@ MAPS_RED = dataclasses.replace(apps.MAPS, launchers=(
 class LauncherSteps(Steps):
     """Launchers are announced, change and go."""
 
-    def __init__(self, handset, build):
+    def __init__(self, handset):
         super().__init__(handset)
-        self.build = build
-        self.steps = [self.boot, self.start_runtime, self.announce, self.look_inside,
+        self.steps = [self.install, self.start_runtime, self.announce, self.look_inside,
                       self.change_icon, self.remove, self.drop_stale, self.crash,
                       self.read_log]
 
-    def boot(self):
-        """The handset boots"""
-        seconds = self.machine.boot(self.build)
-        self.device.reset()
+    def install(self):
+        """A handset without lumd boots, and lumd is installed on it by apt"""
+        wanted = packages.build(self.show)
+        seconds = self.machine.boot()
         self.show(f"up after {seconds:.1f} s")
+        self.show("$ apt-get install " + " ".join(f"./{path.name}" for path in wanted))
+        self.show("\n".join(line for line in self.machine.install(wanted).splitlines()
+                            if line.startswith("Setting up ")))
+        self.device.wait_state(device.LUMD, "active")
+        self.device.reset()
         self.show(self.machine.run("ls", "-l", "/dev/puddlejumper").strip())
         self.show(self.machine.run("loginctl", "list-sessions", "--no-legend").strip())
         owner = self.device.owner()

@@ -10,8 +10,8 @@ import shlex
 import tarfile
 import time
 
+import androidlevels
 import control
-import payload
 from apps import APPLICATIONS, ICONS, SETTINGS
 from image import HandsetError
 
@@ -77,7 +77,7 @@ class Device:
     def reset(self):
         """Brings the handset to its ground state: no apps, runtime stopped, lumd started."""
         files = {RUNTIME_CONFIG: runtime_config(),
-                 **payload.sdk_files(payload.DEFAULT_SDK)}
+                 **androidlevels.sdk_files(androidlevels.DEFAULT_SDK)}
         self.since = self.machine.shell(f"""
             exec 3>&1 >/dev/null
             systemctl stop {LUMD} {RUNTIME}
@@ -103,7 +103,7 @@ class Device:
     def set_sdk(self, level):
         """Makes the runtime one of another Android level; lumd and the runtime start anew."""
         self.machine.run("systemctl", "stop", LUMD, RUNTIME)
-        self.write(payload.sdk_files(level))
+        self.write(androidlevels.sdk_files(level))
         self.start(LUMD)
         self.start(RUNTIME)
 

@@ -3,27 +3,37 @@
 """The virtual handset: builds, boots, enters and stops it."""
 
 import argparse
-import pathlib
 import subprocess
 import sys
+import time
 
+import androidlevels
 import device
 import image
 import machine
-import payload
+import packages
 
 
 def build(arguments):
     print(image.build().folder)
+    for package in packages.build():
+        print(package)
 
 
 def boot(arguments):
     handset = machine.Machine(arguments.name)
     if arguments.again:
         handset.stop()
-    seconds = handset.boot(None if arguments.bare else arguments.build, arguments.sdk)
+    wanted = [] if arguments.bare else packages.build()
+    seconds = handset.boot()
     print(f"handset '{arguments.name}' is up after {seconds:.1f} s; "
           f"its console: {handset.console}")
+    if wanted:
+        started = time.monotonic()
+        handset.install(wanted)
+        print(f"its packages are installed after {time.monotonic() - started:.1f} s more")
+        if arguments.sdk != androidlevels.DEFAULT_SDK:
+            device.Device(handset).set_sdk(arguments.sdk)
 
 
 def run(arguments):
@@ -54,19 +64,18 @@ def parse():
                                help="which handset, where several run (default: %(default)s)")
         return added
 
-    command(build, "build the base image, if it is not there yet")
-    boots = command(boot, "boot the handset with a build installed on it")
-    boots.add_argument("--build", type=pathlib.Path, default=payload.DEFAULT_BUILD,
-                       help="build folder whose files are installed (default: build/release)")
+    command(build, "build the base image and the packages, if they are not there yet")
+    boots = command(boot, "boot the handset, and install the packages on it")
     boots.add_argument("--bare", action="store_true", help="install nothing")
     boots.add_argument("--again", action="store_true", help="stop it first, if it runs")
-    boots.add_argument("--sdk", type=int, choices=payload.PROTOCOLS, default=payload.DEFAULT_SDK,
+    boots.add_argument("--sdk", type=int, choices=androidlevels.PROTOCOLS,
+                       default=androidlevels.DEFAULT_SDK,
                        help="Android level (default: %(default)s)")
     runs = command(run, "run a command on the handset")
     runs.add_argument("command", nargs=argparse.REMAINDER)
     command(shell, "open a shell on the handset")
     levels = command(sdk, "change the Android level of a running handset")
-    levels.add_argument("level", type=int, choices=payload.PROTOCOLS)
+    levels.add_argument("level", type=int, choices=androidlevels.PROTOCOLS)
     command(stop, "stop the handset")
     return parser.parse_args()
 

@@ -14,12 +14,15 @@ import time
 
 import control
 import image as images
-import payload
 from image import HandsetError
 
 RUN = images.CACHE / "run"
 BOOT_TIMEOUT = 300
 COMMAND_TIMEOUT = 240
+INSTALL_TIMEOUT = 500
+
+# Where packages are put that are installed by hand.
+PACKAGES = "/tmp/packages"
 
 # What the guest writes on its console when its user is on the seat.
 READY = b"handset: ready"
@@ -57,40 +60,36 @@ class Machine:
         """Whether the QEMU process of this record still lives."""
         return "pid" in self.state and start_time(self.state["pid"]) == self.state["started"]
 
-    def boot(self, build=None, sdk=payload.DEFAULT_SDK):
-        """Starts the machine and waits until its user is on the seat.
-
-        build is the build folder whose files are installed before systemd
-        starts. Gives the seconds that the start took.
-        """
+    def boot(self):
+        """Starts the machine and waits until its user is on the seat; gives the seconds that
+        this took."""
         if self.running():
             raise HandsetError(f"the handset '{self.name}' runs already; stop it first")
         image = images.build()
         self.state = {"folder": tempfile.mkdtemp(prefix="lumd-handset-")}
         try:
-            archive = self.folder / "payload.tar"
-            if build:
-                payload.pack(build, archive, sdk)
             started = time.monotonic()
-            self.start_qemu(image, archive if build else None)
+            self.start_qemu(image)
             self.connect(started + BOOT_TIMEOUT)
         except BaseException:
             self.stop()
             raise
         return time.monotonic() - started
 
-    def start_qemu(self, image, archive):
+    def start_qemu(self, image):
         # A key of its own: the image may be replaced while the machine runs.
         shutil.copy(image.key, self.key)
         host_key = image.host_key.read_text(encoding="utf-8")
         (self.folder / "known_hosts").write_text(f"handset {host_key}", encoding="utf-8")
         self.state["port"] = free_port()
+        # no_timer_check: where the host is busy no tick may come in the time that the kernel gives
+        # the emulated timer, and it would panic.
         command = [
             "qemu-system-x86_64", "-name", f"lumd-handset-{self.name}",
             "-accel", "tcg,thread=multi", "-cpu", "max,la57=off", "-smp", "2", "-m", "1024",
             "-kernel", str(image.kernel), "-initrd", str(image.initrd),
             "-append", "root=/dev/vda rw console=ttyS0 quiet net.ifnames=0 "
-                       "random.trust_cpu=on mitigations=off apparmor=0 audit=0 "
+                       "no_timer_check random.trust_cpu=on mitigations=off apparmor=0 audit=0 "
                        "selinux=0 systemd.show_status=yes TERM=dumb",
             "-drive", f"file={image.disk},format=raw,if=virtio,snapshot=on",
             "-netdev", "user,id=net,restrict=on,"
@@ -99,8 +98,6 @@ class Machine:
             "-display", "none", "-monitor", "none", "-no-reboot",
             "-serial", f"file:{self.console}",
         ]
-        if archive:
-            command += ["-drive", f"file={archive},format=raw,if=virtio,readonly=on"]
         with open(self.folder / "qemu.log", "wb") as log:
             process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=log,
                                        stderr=log, start_new_session=True)
@@ -172,6 +169,14 @@ class Machine:
     def run(self, *command, **options):
         """Runs one command on the handset and gives what it wrote to standard output."""
         return self.shell(shlex.join(command), **options).stdout
+
+    def install(self, packages):
+        """Installs the packages as a user does who has the files; gives what apt said."""
+        self.run("mkdir", "-p", PACKAGES)
+        images.run("scp", "-q", *self.ssh()[1:], *packages, f"root@handset:{PACKAGES}")
+        files = " ".join(f"./{path.name}" for path in packages)
+        return self.shell(f"cd {PACKAGES} && DEBIAN_FRONTEND=noninteractive "
+                          f"apt-get --yes install {files} 2>&1", timeout=INSTALL_TIMEOUT).stdout
 
     def interact(self, *command):
         """Hands the terminal over to a command, or to a shell; gives its exit code."""

@@ -14,6 +14,16 @@ OUTPUT = PROJECT / 'build' / 'packages'
 # The build dependencies of debian/control come on top.
 TOOLS = ('build-essential', 'lintian')
 RPM_TOOLS = ('rpm', 'rpmlint')
+# Where the compiler is asked to build, and the results are to go.
+BUILD = r'''
+set -e
+mkdir -p "$FOLDER"
+cp -r /source "$FOLDER/lumd"
+cd "$FOLDER/lumd"
+dpkg-buildpackage --no-sign $OPTIONS
+cd ..
+find . -maxdepth 1 -type f -exec cp -t /results {} +
+'''
 BUILD_DEPENDENCIES = 'apt-get --yes --no-install-recommends build-dep {options} /source'
 
 
@@ -51,18 +61,33 @@ def root(suite, architecture):
         control)
 
 
-def copy_source(target):
-    """The files of the checkout, whether committed yet or not."""
+def source_files():
+    """The files of the checkout, whether committed yet or not, by their paths within it."""
     listed = subprocess.run(
         ['git', '-C', PROJECT, '-c', 'safe.directory=*', 'ls-files', '-z', '--cached', '--others',
          '--exclude-standard'], check=True, stdout=subprocess.PIPE).stdout
-    names = b'\0'.join(name for name in listed.split(b'\0')
-                       if name and (PROJECT / os.fsdecode(name)).is_file())
+    names = sorted({os.fsdecode(name) for name in listed.split(b'\0') if name})
+    return [name for name in names if (PROJECT / name).is_file()]
+
+
+def copy_source(target, names=None):
+    """Copies these files of the checkout, or all."""
+    listed = b'\0'.join(map(os.fsencode, names or source_files()))
     archive = subprocess.run(
         ['tar', '-C', PROJECT, '--null', '--files-from=-', '--owner=0', '--group=0',
-         '--mode=u=rwX,go=rX', '-cf', '-'], input=names, check=True,
+         '--mode=u=rwX,go=rX', '-cf', '-'], input=listed, check=True,
         stdout=subprocess.PIPE).stdout
     subprocess.run(['tar', '-C', target, '-xf', '-'], input=archive, check=True)
+
+
+def build(in_root, arguments, source, results, folder, log):
+    """Builds the packages in a folder of the root, with these arguments for dpkg-buildpackage;
+    gives whether that went well. What there is to say is in the log."""
+    with open(log, 'w', encoding='utf-8') as text:
+        done = in_root.run('env', f'FOLDER={folder}', f'OPTIONS={arguments}', 'sh', '-c', BUILD,
+                           binds=[(source, '/source', 'ro'), (results, '/results', 'rw')],
+                           stdout=text, stderr=text)
+    return done.returncode == 0
 
 
 def tail(log):

@@ -73,8 +73,8 @@ def root(name, suite, packages, architectures=(), setup='', control=None, say=pr
     """
     sources = package_sources(suite)
     digest = hashlib.sha256(repr(
-        [inspect.getsource(make), suite, packages, architectures, setup,
-         control and control.read_bytes(), sources]).encode()).hexdigest()[:16]
+        [inspect.getsource(make), inspect.getsource(bootstrap), suite, packages, architectures,
+         setup, control and control.read_bytes(), sources]).encode()).hexdigest()[:16]
     folder = CACHE / f'{name}-{suite}-{digest}'
     CACHE.mkdir(parents=True, exist_ok=True)
     with exclusive(CACHE / f'{name}.lock'):
@@ -92,29 +92,36 @@ def make(folder, suite, packages, architectures, setup, control, sources):
     """In a folder beside the right one, so that half a root is never taken for a whole one."""
     with tempfile.TemporaryDirectory(prefix='half-', dir=CACHE) as scratch:
         half = pathlib.Path(scratch) / 'root'
-        hooks = []
-        if pathlib.Path(CERTIFICATES).exists():
-            hooks.append(f'--setup-hook=install -D -m 644 {CERTIFICATES} "$1"{CERTIFICATES}')
+        options = []
         if control:
-            hooks.append('--customize-hook=install -D -m 644 '
-                         f'{shlex.quote(str(control))} "$1/source/debian/control"')
+            options.append('--customize-hook=install -D -m 644 '
+                           f'{shlex.quote(str(control))} "$1/source/debian/control"')
         if setup:
-            hooks.append(f'--customize-hook=chroot "$1" sh -ec {shlex.quote(setup)}')
-        hooks.append('--customize-hook=rm -rf "$1/source"')
-        log = folder.with_name(folder.name.rsplit('-', 2)[0] + '.log')
-        command = ['unshare', '--mount', '--propagation=unchanged', 'sh', '-c',
-                   'mount --make-rprivate / 2>/dev/null; exec "$@"', 'sh',
-                   'mmdebstrap', '--mode=root', '--variant=minbase', *apt_options(), *hooks,
-                   '--dpkgopt=force-unsafe-io', f'--include={",".join(packages)}']
+            options.append(f'--customize-hook=chroot "$1" sh -ec {shlex.quote(setup)}')
+        options.append('--customize-hook=rm -rf "$1/source"')
         if architectures:
-            command.append(f'--architectures={",".join(architectures)}')
-        with open(log, 'w', encoding='utf-8') as output:
-            done = subprocess.run([*command, suite, str(half), '-'], check=False, text=True,
-                                  input='\n'.join(sources) + '\n', stdout=output, stderr=output)
-        if done.returncode != 0:
-            tail = log.read_text(encoding='utf-8', errors='replace').splitlines()[-40:]
-            raise RootError('\n'.join(['mmdebstrap failed:', *tail]))
+            options.append(f'--architectures={",".join(architectures)}')
+        log = folder.with_name(folder.name.rsplit('-', 2)[0] + '.log')
+        bootstrap(half, suite, packages, options, sources, log)
         half.rename(folder)
+
+
+def bootstrap(target, suite, packages, options, sources, log, **environment):
+    """Installs a release with these packages, by mmdebstrap with these options."""
+    hooks = []
+    if pathlib.Path(CERTIFICATES).exists():
+        hooks.append(f'--setup-hook=install -D -m 644 {CERTIFICATES} "$1"{CERTIFICATES}')
+    command = ['unshare', '--mount', '--propagation=unchanged', 'sh', '-c',
+               'mount --make-rprivate / 2>/dev/null; exec "$@"', 'sh',
+               'mmdebstrap', '--mode=root', '--variant=minbase', *apt_options(), *hooks, *options,
+               '--dpkgopt=force-unsafe-io', f'--include={",".join(packages)}']
+    with open(log, 'w', encoding='utf-8') as output:
+        done = subprocess.run([*command, suite, str(target), '-'], check=False, text=True,
+                              input='\n'.join(sources) + '\n', stdout=output, stderr=output,
+                              env=dict(os.environ, **environment))
+    if done.returncode != 0:
+        tail = log.read_text(encoding='utf-8', errors='replace').splitlines()[-40:]
+        raise RootError('\n'.join(['mmdebstrap failed:', *tail]))
 
 
 def package_sources(suite):

@@ -11,6 +11,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 sys.path.insert(0, str(ROOT / "handset"))
 
 import device  # noqa: E402
+import packages  # noqa: E402
 from disturbances import Disturbances  # noqa: E402
 from idleness import Idleness  # noqa: E402
 from machine import Machine  # noqa: E402
@@ -35,8 +36,10 @@ class Measurement:
 
     def run(self):
         """Gives the benchmarks, and what else there is to say of lumd and of the bare service."""
-        self.machine.boot(self.build)
+        wanted = packages.build()
+        self.machine.boot()
         try:
+            self.machine.install(wanted)
             self.prepare()
             measured = self.benchmarks("call")
             self.device.start_runtime()

@@ -1,9 +1,9 @@
 # SPDX-License-Identifier: BSD-3-Clause
 """Every method of the bus at each Android level, and each byte that it sends."""
 
+import androidlevels
 import apps
 import device
-import payload
 from appscenario import AppScenario, intent, runtime_path, start
 
 # Android's transaction codes at the levels.
@@ -42,7 +42,7 @@ class Levels(AppScenario):
         self.sdk = sdk
         self.codes = CODES[sdk]
         self.device.stop(device.LUMD)
-        self.device.write(payload.sdk_files(sdk))
+        self.device.write(androidlevels.sdk_files(sdk))
         self.device.start(device.LUMD)
         self.control_the_runtime()
         self.install_three_ways()

@@ -98,7 +98,8 @@ class Lumctl(AppScenario):
     def test_eventsAreFollowed(self):
         self.device.start_runtime()
         self.device.machine.shell(
-            "systemd-run --quiet --unit=follower --property=StandardOutput=file:/run/events "
+            "systemd-run --quiet --service-type=exec --unit=follower "
+            "--property=StandardOutput=file:/run/events "
             "lumctl monitor --json")
         self.addCleanup(self.device.machine.shell, "systemctl stop follower; rm -f /run/events",
                         check=False)

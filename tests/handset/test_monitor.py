@@ -119,7 +119,7 @@ class Monitor(AppScenario):
     def test_theRuntimeIsFollowedThroughStartAndStop(self):
         self.assertEqual(self.properties(),
                          {"RuntimeState": "inactive", "Ready": False, "PendingChanges": 0,
-                          "PendingLaunches": 0, "SdkLevel": device.payload.DEFAULT_SDK,
+                          "PendingLaunches": 0, "SdkLevel": device.androidlevels.DEFAULT_SDK,
                           "Version": self.properties()["Version"]})
         self.device.start_runtime()
         self.device.wait(lambda: self.properties()["Ready"], "lumd is ready")
