@@ -197,9 +197,17 @@ class Device:
                 if not services or call["service"] in services]
 
     def wait_event(self, event, *values, after=0):
-        """Waits for an event of the runtime; gives it."""
-        answer = self.runtime("wait", event, *values, "--after", str(after),
-                              "--timeout", str(PATIENCE))
+        """Waits for an event of the runtime, which may have yet to start; gives it."""
+        def ask():
+            try:
+                return control.ask(("wait", event, *values, "--after", str(after),
+                                    "--timeout", str(PATIENCE)), self.machine.control)
+            except (OSError, ValueError):
+                return None
+
+        answer = self.wait(ask, f"the runtime tells of {event}")
+        if not answer["ok"]:
+            raise HandsetError(f"alienctl wait {event} {values}: {answer}")
         return answer["found"]
 
     def announce(self, app):
@@ -226,9 +234,7 @@ class Device:
 
     def wait_announced(self, after=0):
         """Waits for the end of an announcement of all launchers; gives its event number."""
-        answer = self.runtime("wait", "announce", "method=complete", "--after", str(after),
-                              "--timeout", str(PATIENCE))
-        return answer["found"]["seq"]
+        return self.wait_event("announce", "method=complete", after=after)["seq"]
 
     # Files
 
@@ -317,12 +323,14 @@ class Device:
                   f"lumd was told of {states}, not {self.seen_states()}")
 
     def wait(self, condition, what):
-        """Waits until the condition holds; a condition that never does is an error."""
+        """Waits until the condition holds, and gives what it gave; one that never does is an
+        error."""
         deadline = time.monotonic() + PATIENCE
-        while not condition():
+        while not (found := condition()):
             if time.monotonic() > deadline:
                 raise HandsetError(f"waited {PATIENCE} s in vain: {what}")
             time.sleep(0.2)
+        return found
 
 
 def warnings(lines):

@@ -106,9 +106,11 @@ class Session:
         """Starts to write down the signals of lumd."""
         self.machine.shell(
             f"systemd-run --quiet --collect --unit={SIGNAL_UNIT} sh -c "
-            f"'exec busctl --json=short monitor {device.BUS_NAME} > {SIGNALS} 2> {SIGNALS}.log'")
-        self.device.wait(lambda: self.machine.shell(
-            f"grep -q Monitoring {SIGNALS}.log", check=False).returncode == 0, "busctl listens")
+            f"'exec busctl --json=short monitor {device.BUS_NAME} > {SIGNALS}'")
+        # It says nothing when it listens, but writes down calls, too.
+        self.device.wait(lambda: self.device.call("isRunning").returncode == 0 and
+                         self.machine.shell(f"grep -q isRunning {SIGNALS}",
+                                            check=False).returncode == 0, "busctl listens")
 
     def signals(self):
         """The signals since then: name and arguments."""
