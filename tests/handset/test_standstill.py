@@ -9,7 +9,8 @@ from appscenario import AppScenario
 WINDOW_WAIT = 5
 SLACK = 4
 
-DU = "/run/slow-du"
+# In a folder that lumd's children may write, too.
+DU = "/home/slow-du"
 DU_TEXT = f"""#!/bin/sh
 echo runs > {DU}.runs
 until [ -e {DU}.goes-on ]; do sleep 0.2; done

@@ -32,7 +32,22 @@ void TestUnitFile::everyLineIsThere()
             "%%{if-warning}4%%{endif}%%{if-critical}3%%{endif}%%{if-fatal}2%%{endif}>"
             "%%{message}\"",
             "Restart=always", "RestartSec=1", "RestartPreventExitStatus=2", "MemoryMax=256M",
-            "[Install]", "WantedBy=multi-user.target"}));
+            "NoNewPrivileges=yes",
+            "CapabilityBoundingSet=CAP_CHOWN CAP_FOWNER CAP_FSETID CAP_DAC_OVERRIDE "
+            "CAP_DAC_READ_SEARCH",
+            "CapabilityBoundingSet=CAP_SETUID CAP_SETGID", "ProtectSystem=strict",
+            "ReadOnlyPaths=-/root /run -/run/user", "ReadWritePaths=/home",
+            "ReadWritePaths=-/usr/share/applications -/usr/share/tovra-settings/entries",
+            "ReadWritePaths=-/usr/share/lumd/partnerspace", "StateDirectory=lumd",
+            "PrivateMounts=yes", "PrivateNetwork=yes", "IPAddressDeny=any",
+            "RestrictAddressFamilies=AF_UNIX", "DevicePolicy=closed", "DeviceAllow=char-misc rw",
+            "DeviceAllow=char-binder rw", "SystemCallArchitectures=native",
+            "SystemCallFilter=@system-service", "SystemCallFilter=~@resources",
+            "SystemCallErrorNumber=EPERM", "MemoryDenyWriteExecute=yes", "LockPersonality=yes",
+            "KeyringMode=private", "ProtectClock=yes", "ProtectControlGroups=yes",
+            "ProtectHostname=yes", "ProtectKernelLogs=yes", "ProtectKernelModules=yes",
+            "ProtectKernelTunables=yes", "RestrictNamespaces=yes", "RestrictRealtime=yes",
+            "RestrictSUIDSGID=yes", "[Install]", "WantedBy=multi-user.target"}));
 }
 
 LUM_TEST_MAIN(TestUnitFile)
