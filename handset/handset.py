@@ -13,10 +13,12 @@ import image
 import machine
 import packages
 
+import buildroot
+
 
 def build(arguments):
-    print(image.build().folder)
-    for package in packages.build():
+    print(image.build(arguments.arch).folder)
+    for package in packages.build(arguments.arch):
         print(package)
 
 
@@ -24,8 +26,8 @@ def boot(arguments):
     handset = machine.Machine(arguments.name)
     if arguments.again:
         handset.stop()
-    wanted = [] if arguments.bare else packages.build()
-    seconds = handset.boot()
+    wanted = [] if arguments.bare else packages.build(arguments.arch)
+    seconds = handset.boot(arguments.arch)
     print(f"handset '{arguments.name}' is up after {seconds:.1f} s; "
           f"its console: {handset.console}")
     if wanted:
@@ -64,8 +66,11 @@ def parse():
                                help="which handset, where several run (default: %(default)s)")
         return added
 
-    command(build, "build the base image and the packages, if they are not there yet")
+    builds = command(build, "build the base image and the packages, if they are not there yet")
     boots = command(boot, "boot the handset, and install the packages on it")
+    for added in (builds, boots):
+        added.add_argument("--arch", choices=image.ARCHITECTURES, default=buildroot.native(),
+                           help="architecture of the handset (default: %(default)s)")
     boots.add_argument("--bare", action="store_true", help="install nothing")
     boots.add_argument("--again", action="store_true", help="stop it first, if it runs")
     boots.add_argument("--sdk", type=int, choices=androidlevels.PROTOCOLS,

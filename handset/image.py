@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: BSD-3-Clause
 """The handset's base image: Debian packages, a kernel and an initial RAM disk.
 
-The image is cached under a hash of everything that it is made from, and made
-anew only when one of those inputs changes.
+There is one for each architecture. An image is cached under a hash of everything that it is made
+from, and made anew only when one of those inputs changes.
 """
 
 import hashlib
@@ -17,8 +17,11 @@ import tempfile
 
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent / "tools"))
+import buildroot  # noqa: E402
 import debianroot  # noqa: E402
+import emulation  # noqa: E402
 
+ARCHITECTURES = ("amd64", "arm64")
 CACHE = HERE.parent / ".cache" / "handset"
 SUITE = "trixie"
 IMAGE_SIZE = "2G"
@@ -26,9 +29,9 @@ IMAGE_SIZE = "2G"
 # What lumd and the runtime depend on is here already: the handset reaches no package source.
 PACKAGES = """
     adduser busybox-static cpio dbus dbus-user-session desktop-file-utils iproute2 kmod less
-    libgbinder1 libpackagekitqt5-1 libpam-systemd libqt5dbus5t64 libqt5network5t64
-    linux-image-amd64 login nano openssh-server packagekit polkitd procps
-    python3 python3-dbus python3-gi strace systemd systemd-sysv udev
+    libgbinder1 libpackagekitqt5-1 libpam-systemd libqt5dbus5t64 libqt5network5t64 login nano
+    openssh-server packagekit polkitd procps python3 python3-dbus python3-gi strace
+    systemd systemd-sysv udev
 """.split()
 
 
@@ -39,8 +42,9 @@ class HandsetError(Exception):
 class Image:
     """One built image: the disk, the kernel, the RAM disk and the key to log in."""
 
-    def __init__(self, folder):
+    def __init__(self, folder, architecture):
         self.folder = folder
+        self.architecture = architecture
         self.disk = folder / "root.ext4"
         self.kernel = folder / "vmlinuz"
         self.initrd = folder / "initrd"
@@ -48,27 +52,32 @@ class Image:
         self.host_key = folder / "host_key.pub"
 
 
-def build(say=print):
-    """Gives the image for the present inputs, built first if there is none."""
-    folder = CACHE / input_hash()
-    image = Image(folder)
+def build(architecture=None, say=print):
+    """Gives the image for the present inputs, built first if there is none; for this
+    machine's own architecture, where none is named."""
+    architecture = architecture or buildroot.native()
+    folder = CACHE / f"image-{architecture}-{input_hash(architecture)}"
+    image = Image(folder, architecture)
     CACHE.mkdir(parents=True, exist_ok=True)
-    with debianroot.exclusive(CACHE / "lock"):
+    with debianroot.exclusive(CACHE / f"image-{architecture}.lock"):
         if folder.is_dir():
             return image
         if os.geteuid() != 0:
             raise HandsetError("building the image needs root: run it with sudo")
-        say("building the handset's image (once, a few minutes)")
+        say(f"building the handset's image for {architecture} (once, a few minutes)")
         with tempfile.TemporaryDirectory(prefix="build-", dir=CACHE) as scratch:
-            make(pathlib.Path(scratch), Image(pathlib.Path(scratch) / "image"))
-            drop_old_images()
+            make(pathlib.Path(scratch), Image(pathlib.Path(scratch) / "image", architecture))
+            # A machine that runs keeps its open disk.
+            for path in CACHE.glob(f"image-{architecture}-*"):
+                shutil.rmtree(path)
             (pathlib.Path(scratch) / "image").rename(folder)
     return image
 
 
-def input_hash():
+def input_hash(architecture):
     """The hash of everything that decides what the image holds."""
     digest = hashlib.sha256(inspect.getsource(debianroot.bootstrap).encode())
+    digest.update(architecture.encode())
     inputs = [HERE / name for name in ("image.py", "configure-rootfs", "initrd-init")]
     inputs += sorted(path for path in (HERE / "rootfs").rglob("*") if path.is_file())
     for path in inputs:
@@ -93,9 +102,13 @@ def make(scratch, image):
                f'--customize-hook=install -D -m 600 {quoted(image.key)}.pub '
                '"$1/root/.ssh/authorized_keys"']
     try:
+        if image.architecture != buildroot.native():
+            emulation.enable(image.architecture)
+            options.append(f"--architectures={image.architecture}")
+        packages = [*PACKAGES, f"linux-image-{image.architecture}"]
         # INITRD=No keeps the kernel's package from making an initial RAM disk of its own.
-        debianroot.bootstrap(root, SUITE, PACKAGES, options, debianroot.package_sources(SUITE),
-                             CACHE / "image.log", INITRD="No")
+        debianroot.bootstrap(root, SUITE, packages, options, debianroot.package_sources(SUITE),
+                             CACHE / f"image-{image.architecture}.log", INITRD="No")
     except debianroot.RootError as error:
         raise HandsetError(str(error)) from error
     (kernel,) = (root / "boot").glob("vmlinuz-*")
@@ -109,13 +122,6 @@ def make(scratch, image):
 
 def quoted(path):
     return shlex.quote(str(path))
-
-
-def drop_old_images():
-    """Removes the images of earlier inputs; a machine that runs keeps its open disk."""
-    for path in CACHE.iterdir():
-        if (path / "root.ext4").is_file():
-            shutil.rmtree(path)
 
 
 def run(*command, **options):

@@ -21,6 +21,16 @@ BOOT_TIMEOUT = 300
 COMMAND_TIMEOUT = 240
 INSTALL_TIMEOUT = 500
 
+# What QEMU is told of a machine of each architecture, and its kernel of the console.
+# no_timer_check: where the host is busy no tick may come in the time that the kernel gives the
+# emulated timer, and it would panic.
+EMULATORS = {
+    "amd64": (["qemu-system-x86_64", "-cpu", "max,la57=off"],
+              "console=ttyS0 no_timer_check random.trust_cpu=on mitigations=off"),
+    "arm64": (["qemu-system-aarch64", "-M", "virt", "-cpu", "cortex-a72"],
+              "console=ttyAMA0 mitigations=off"),
+}
+
 # Where packages are put that are installed by hand.
 PACKAGES = "/tmp/packages"
 
@@ -60,12 +70,12 @@ class Machine:
         """Whether the QEMU process of this record still lives."""
         return "pid" in self.state and start_time(self.state["pid"]) == self.state["started"]
 
-    def boot(self):
+    def boot(self, architecture=None):
         """Starts the machine and waits until its user is on the seat; gives the seconds that
         this took."""
         if self.running():
             raise HandsetError(f"the handset '{self.name}' runs already; stop it first")
-        image = images.build()
+        image = images.build(architecture)
         self.state = {"folder": tempfile.mkdtemp(prefix="lumd-handset-")}
         try:
             started = time.monotonic()
@@ -82,14 +92,12 @@ class Machine:
         host_key = image.host_key.read_text(encoding="utf-8")
         (self.folder / "known_hosts").write_text(f"handset {host_key}", encoding="utf-8")
         self.state["port"] = free_port()
-        # no_timer_check: where the host is busy no tick may come in the time that the kernel gives
-        # the emulated timer, and it would panic.
+        emulator, kernel_options = EMULATORS[image.architecture]
         command = [
-            "qemu-system-x86_64", "-name", f"lumd-handset-{self.name}",
-            "-accel", "tcg,thread=multi", "-cpu", "max,la57=off", "-smp", "2", "-m", "1024",
+            *emulator, "-name", f"lumd-handset-{self.name}",
+            "-accel", "tcg,thread=multi", "-smp", "2", "-m", "1024",
             "-kernel", str(image.kernel), "-initrd", str(image.initrd),
-            "-append", "root=/dev/vda rw console=ttyS0 quiet net.ifnames=0 "
-                       "no_timer_check random.trust_cpu=on mitigations=off apparmor=0 audit=0 "
+            "-append", f"root=/dev/vda rw {kernel_options} quiet net.ifnames=0 apparmor=0 audit=0 "
                        "selinux=0 systemd.show_status=yes TERM=dumb",
             "-drive", f"file={image.disk},format=raw,if=virtio,snapshot=on",
             "-netdev", "user,id=net,restrict=on,"

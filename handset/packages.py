@@ -24,17 +24,19 @@ BESIDE = (".ci/", "bench/", "debian/tests/", "docs/benchmarks.md", "docs/picture
           "docs/testing.md", "fuzz/", "handset/", "tests/", "tools/")
 
 
-def build(say=print):
-    """Gives the packages of the present sources, built first if they are not there."""
+def build(architecture=None, say=print):
+    """Gives the packages of the present sources, built first if they are not there; for this
+    machine's own architecture, where none is named."""
+    architecture = architecture or buildroot.native()
     sources = source_files()
-    folder = CACHE / f"packages-{source_hash(sources)}"
+    folder = CACHE / f"packages-{architecture}-{source_hash(sources)}"
     CACHE.mkdir(parents=True, exist_ok=True)
-    with debianroot.exclusive(CACHE / "packages.lock"):
+    with debianroot.exclusive(CACHE / f"packages-{architecture}.lock"):
         if not folder.is_dir():
             if os.geteuid() != 0:
                 raise HandsetError("building the handset's packages needs root: "
                                    "run 'handset/handset.py build' with sudo")
-            make(folder, sources, say)
+            make(folder, architecture, sources, say)
     return [found for name in NAMES for found in folder.glob(f"{name}_*.deb")]
 
 
@@ -54,22 +56,24 @@ def source_hash(names):
     return digest.hexdigest()[:16]
 
 
-def make(folder, sources, say):
+def make(folder, architecture, sources, say):
     """Builds the packages into the folder, in place of those of earlier sources."""
     try:
-        root = buildroot.root(SUITE, buildroot.native())
+        root = buildroot.root(SUITE, architecture)
     except debianroot.RootError as error:
         raise HandsetError(str(error)) from error
-    say("building the handset's packages")
-    log = CACHE / "packages.log"
+    say(f"building the handset's packages for {architecture}")
+    log = CACHE / f"packages-{architecture}.log"
+    arguments = ["--build=any", f"-P{PROFILE}"]
+    if architecture != buildroot.native():
+        arguments = ["--build=any", f"--host-arch={architecture}", f"-P{PROFILE},cross,nocheck"]
     with tempfile.TemporaryDirectory(prefix="build-", dir=CACHE) as scratch:
         source, results = (pathlib.Path(scratch) / name for name in ("source", "results"))
         source.mkdir()
         results.mkdir()
         buildroot.copy_source(source, sources)
-        if not buildroot.build(root, f"--build=any -P{PROFILE}", source, results,
-                               "/build", log):
+        if not buildroot.build(root, " ".join(arguments), source, results, "/build", log):
             raise HandsetError(buildroot.tail(log))
-        for path in CACHE.glob("packages-*"):
+        for path in CACHE.glob(f"packages-{architecture}-*"):
             shutil.rmtree(path)
         results.rename(folder)
