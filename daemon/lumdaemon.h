@@ -11,6 +11,7 @@
 #include "daemon/datausage.h"
 #include "daemon/monitor.h"
 #include "daemon/packagemod.h"
+#include "daemon/silentruntime.h"
 #include "daemon/upgradenotices.h"
 #include "daemon/windowwait.h"
 #include "launcher/apkmanager.h"
@@ -164,4 +165,5 @@ private:
     DataUsage m_dataUsage;
     UpgradeNotices m_upgradeNotices{m_desktopManager};
     WindowWait m_windowWait;
+    SilentRuntime m_silentRuntime{m_packageManager};
 };
