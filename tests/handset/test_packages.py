@@ -9,6 +9,9 @@ from machine import PACKAGES
 LUMDS_OWN = ("/etc/lumd /etc/gbinder.d/lumd.conf /usr/share/lumd /var/lib/lumd "
              f"/usr/share/tovra-settings {device.INCOMING}")
 
+# What a lumctl that waits has said, and its exit code.
+WAITED = "/run/waited"
+
 # Makes a later version of the package, newer.deb.
 MAKE_NEWER = """
     rm -rf newer newer.deb
@@ -83,6 +86,31 @@ class Packages(AppScenario):
         self.assert_files(apps.MAPS.files())
         self.device.announce(apps.NOTES)
         self.wait_files(apps.MAPS.files(), apps.NOTES.files())
+
+    def test_anUpgradeTellsWhoWaitsThatItsRequestIsLost(self):
+        self.device.configure_runtime(readyDelay=60000)
+        path = self.put_apk(apps.NOTES)
+        self.device.machine.shell(
+            f"rm -f {WAITED}; systemd-run --quiet --collect --service-type=exec "
+            f"sh -c 'lumctl install {path} > {WAITED} 2>&1; echo $? >> {WAITED}'")
+        self.addCleanup(self.device.machine.run, "rm", "-f", WAITED)
+        self.device.wait(lambda: "waits until" in self.waited(), "lumctl waits")
+        self.in_packages(MAKE_NEWER)
+        self.apt("install", "./newer.deb")
+        self.device.wait(lambda: self.waited().endswith("\n3\n"), "lumctl ends with code 3")
+        self.assertEqual(self.waited(), "\n".join((
+            f"{path}: waits until the Android runtime is up",
+            f"lumctl: {path}: lumd has gone before it told the result; "
+            "if the request was kept for the runtime, it is lost", "3", "")))
+        self.device.wait(self.device.owner, "the new lumd is there")
+        self.device.stop(device.RUNTIME)
+        self.device.configure_runtime()
+        self.assertEqual(self.bus("installFile", "s", path), "b true")
+        self.wait_installed(apps.NOTES)
+        self.wait_files(apps.NOTES.files())
+
+    def waited(self):
+        return self.device.machine.shell(f"cat {WAITED}", check=False).stdout
 
     def test_anInstallBeforeAnybodyHasLoggedInEndsAndLumdComesWithTheUser(self):
         self.apt("remove", "lumd")

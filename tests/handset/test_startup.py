@@ -3,6 +3,7 @@
 
 import xml.etree.ElementTree
 
+import apps
 import device
 from scenario import Scenario
 
@@ -33,6 +34,10 @@ MEMBERS = [
     ("signal", "uninstallPackageFromRPM", "", "s"),
     ("signal", "appStartOnBootupChanged", "", "sb"),
 ]
+
+# Whoever is on the seat instead of the handset's user, and how he gets there.
+SECOND = 1001
+SECOND_LOGIN = "/run/systemd/system/getty@tty1.service.d"
 
 # What /proc/PID/syscall begins with while a process sits in poll.
 POLL = "7 "
@@ -89,6 +94,40 @@ class StartUp(Scenario):
         self.device.start("getty@tty1.service")
         self.device.wait_state(device.LUMD, "active")
         self.assertIsNotNone(self.device.owner())
+
+    def test_anotherUserOnTheSeatIsTheNextLumdsUser(self):
+        machine = self.device.machine
+        first = self.device.owner()
+        machine.shell(f"useradd --create-home --uid {SECOND} --groups users second && "
+                      f"mkdir -p {SECOND_LOGIN} && cp /etc/systemd/system/getty@tty1.service.d/"
+                      f"handset.conf {SECOND_LOGIN}/second.conf && sed -i 's/autologin handset/"
+                      f"autologin second/' {SECOND_LOGIN}/second.conf && systemctl daemon-reload")
+        self.addCleanup(self.bring_back_the_first_user)
+        self.device.end_session()
+        self.device.start("getty@tty1.service")
+        self.wait_on_seat(SECOND)
+        self.assertEqual(self.device.owner(), first)
+        self.device.stop(device.LUMD)
+        self.device.start(device.LUMD)
+        self.device.call("launchApp", "s", apps.MAPS.package)
+        told = f"/run/user/{SECOND}/notifications.jsonl"
+        self.device.wait(lambda: apps.MAPS.package in machine.shell(
+            f"cat {told}", check=False).stdout, "the second user is told")
+
+    def wait_on_seat(self, uid):
+        """Waits until that user is on the seat and hears notifications."""
+        self.device.wait(lambda: self.device.machine.shell(
+            f"grep -qx ACTIVE_UID={uid} /run/systemd/seats/seat0 && setpriv --reuid={uid} "
+            f"--clear-groups --regid={uid} env XDG_RUNTIME_DIR=/run/user/{uid} "
+            "systemctl --user --quiet is-active notification-recorder", check=False).returncode == 0,
+            f"user {uid} is on the seat")
+
+    def bring_back_the_first_user(self):
+        self.device.machine.shell(f"rm -r {SECOND_LOGIN}; systemctl daemon-reload")
+        self.device.end_session()
+        self.device.machine.shell(f"systemctl stop user@{SECOND}.service; userdel --remove second")
+        self.device.start("getty@tty1.service")
+        self.wait_on_seat(1000)
 
     def polls(self):
         result = self.device.machine.shell(
