@@ -8,6 +8,7 @@ import io
 import json
 import shlex
 import tarfile
+import tempfile
 import time
 
 import androidlevels
@@ -212,9 +213,10 @@ class Device:
 
     def announce(self, app):
         """Has the runtime announce an app, also one that it did not know."""
-        path = f"/run/{app.package}.json"
-        self.write({path: app.to_json()})
-        return json.loads(self.machine.run("alienctl", "announce", path))
+        with tempfile.NamedTemporaryFile("w", encoding="utf-8", suffix=".json") as file:
+            file.write(app.to_json())
+            file.flush()
+            return self.runtime("announce", file.name)
 
     def start_runtime(self):
         """Starts the runtime and waits until it has announced all of its launchers."""
