@@ -7,21 +7,26 @@ import com.tovra.lumd.apps 1.0
 
 Kirigami.AbstractListItem {
     id: item
-    required property App app
     required property int index
-    objectName: "app-" + app.package
+    required property var model
+    // Null when it has gone and its row is about to.
+    readonly property App app: model.app
+    objectName: app ? "app-" + app.package : ""
     highlighted: ListView.isCurrentItem && (ListView.view.activeFocus || isOpen)
     // Its page stands beside the list.
     readonly property bool isOpen: applicationWindow().pageStack.wideMode && applicationWindow().pageStack.depth > 1
     Accessible.role: Accessible.ListItem
-    Accessible.name: app.name
-    Accessible.description: app.sizeText
-    Accessible.onPressAction: clicked()
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
+    Accessible.name: app ? app.name : ""
+    Accessible.description: app ? app.sizeText : ""
+    Accessible.onPressAction: chosen(Qt.OtherFocusReason)
+    Keys.onReturnPressed: chosen(Qt.TabFocusReason)
+    Keys.onEnterPressed: chosen(Qt.TabFocusReason)
+    onClicked: chosen(Qt.MouseFocusReason)
+    // With the reason of a focus that follows from it.
+    signal chosen(int reason)
 
     function wish() {
-        if (Runtime.state === Runtime.Up && !app.knowsSizes)
+        if (Runtime.state === Runtime.Up && app && !app.knowsSizes)
             app.askForSizes()
     }
     onAppChanged: wish()
@@ -33,7 +38,7 @@ Kirigami.AbstractListItem {
             function onStateChanged() { item.wish() }
         }
         AppIcon {
-            source: item.app.icon
+            source: item.app ? item.app.icon : ""
             Layout.preferredWidth: Kirigami.Units.iconSizes.medium
             Layout.preferredHeight: Kirigami.Units.iconSizes.medium
             Layout.margins: Kirigami.Units.smallSpacing
@@ -44,7 +49,9 @@ Kirigami.AbstractListItem {
             Controls.Label {
                 objectName: "name"
                 Layout.fillWidth: true
-                text: item.app.name
+                text: item.app ? item.app.name : ""
+                // Of whatever script, it stands beside its icon.
+                horizontalAlignment: Text.AlignLeft
                 textFormat: Text.PlainText
                 elide: Text.ElideRight
                 maximumLineCount: 1
@@ -53,7 +60,7 @@ Kirigami.AbstractListItem {
             Controls.Label {
                 objectName: "detail"
                 Layout.fillWidth: true
-                text: item.app.removal === App.Installed ? item.app.sizeText
+                text: !item.app ? "" : item.app.removal === App.Installed ? item.app.sizeText
                     : item.app.removal === App.Queued ? qsTrId("lumd-apps-remove-queued")
                     : qsTrId("lumd-apps-removing")
                 visible: text.length > 0

@@ -10,7 +10,15 @@ Kirigami.ScrollablePage {
     objectName: "appListPage"
     title: qsTrId("lumd-apps-title")
 
-    signal appChosen(App app)
+    signal appChosen(App app, int reason)
+
+    function takeFocus() {
+        list.forceActiveFocus()
+    }
+    // The keyboard does not go where nothing is to be seen.
+    enabled: applicationWindow().pageStack.wideMode || isCurrentPage
+    // It gets its height from the window, its content does not decide on it.
+    implicitHeight: 0
 
     header: ColumnLayout {
         spacing: 0
@@ -26,6 +34,7 @@ Kirigami.ScrollablePage {
             placeholderText: qsTrId("lumd-apps-search")
             Accessible.name: qsTrId("lumd-apps-search")
             onTextChanged: Apps.searched = text
+            Keys.onDownPressed: page.takeFocus()
         }
     }
 
@@ -41,9 +50,9 @@ Kirigami.ScrollablePage {
         Accessible.name: qsTrId("lumd-apps-title")
 
         delegate: AppDelegate {
-            onClicked: {
+            onChosen: {
                 list.currentIndex = index
-                page.appChosen(app)
+                page.appChosen(app, reason)
             }
         }
 

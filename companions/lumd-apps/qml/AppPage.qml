@@ -11,6 +11,8 @@ Kirigami.ScrollablePage {
     title: qsTrId("lumd-apps-details")
 
     property App app
+    // The focus is shown where a key has led to it.
+    property int openedBy: Qt.OtherFocusReason
     readonly property bool isUp: Runtime.state === Runtime.Up
     readonly property bool isStaying: app !== null && app.removal === App.Installed
 
@@ -23,26 +25,28 @@ Kirigami.ScrollablePage {
     function leave() {
         const stack = applicationWindow().pageStack
         stack.pop(stack.items[0])
+        stack.items[0].takeFocus()
     }
-    Component.onCompleted: ask()
+    // The keyboard does not go where nothing is to be seen.
+    enabled: applicationWindow().pageStack.wideMode || isCurrentPage
+    Keys.onEscapePressed: leave()
+    onBackRequested: {
+        event.accepted = true
+        leave()
+    }
+    Component.onCompleted: {
+        ask()
+        // Behind Kirigami's own choice.
+        Qt.callLater(() => launch.forceActiveFocus(openedBy))
+    }
     onIsUpChanged: ask()
     // It has been removed.
     onAppChanged: if (!app) leave()
 
-    titleDelegate: RowLayout {
-        Controls.ToolButton {
-            objectName: "back"
-            visible: !applicationWindow().pageStack.wideMode
-            icon.name: LayoutMirroring.enabled ? "go-previous-symbolic-rtl" : "go-previous-symbolic"
-            Accessible.name: qsTrId("lumd-apps-back")
-            onClicked: page.leave()
-        }
-        Kirigami.Heading {
-            objectName: "detailsTitle"
-            Layout.fillWidth: true
-            text: page.title
-            elide: Text.ElideRight
-        }
+    titleDelegate: PageTitle {
+        text: page.title
+        canLeave: !applicationWindow().pageStack.wideMode
+        onLeft: page.leave()
     }
 
     ColumnLayout {
@@ -96,17 +100,15 @@ Kirigami.ScrollablePage {
         Flow {
             Layout.fillWidth: true
             spacing: Kirigami.Units.smallSpacing
-            Controls.Button {
-                Accessible.name: text
+            ActionButton {
+                id: launch
                 objectName: "launch"
                 text: qsTrId("lumd-apps-launch")
                 icon.name: "media-playback-start"
-                highlighted: true
                 enabled: page.isStaying
                 onClicked: page.app.launch()
             }
-            Controls.Button {
-                Accessible.name: text
+            ActionButton {
                 objectName: "stopApp"
                 text: qsTrId("lumd-apps-stop")
                 icon.name: "media-playback-stop"
@@ -140,16 +142,14 @@ Kirigami.ScrollablePage {
         Flow {
             Layout.fillWidth: true
             spacing: Kirigami.Units.smallSpacing
-            Controls.Button {
-                Accessible.name: text
+            ActionButton {
                 objectName: "settings"
                 text: qsTrId("lumd-apps-settings")
                 icon.name: "configure"
                 enabled: page.isStaying
                 onClicked: page.app.openSettings()
             }
-            Controls.Button {
-                Accessible.name: text
+            ActionButton {
                 objectName: "remove"
                 text: qsTrId("lumd-apps-remove")
                 icon.name: "edit-delete"

@@ -10,6 +10,8 @@ Controls.Switch {
 
     checked: isOn
     Accessible.name: text
+    Keys.onReturnPressed: wished(!isOn)
+    Keys.onEnterPressed: wished(!isOn)
     onToggled: {
         const isWanted = checked
         checked = Qt.binding(() => control.isOn)

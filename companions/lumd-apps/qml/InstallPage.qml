@@ -9,6 +9,31 @@ Kirigami.Page {
     id: page
     objectName: "installPage"
     title: qsTrId("lumd-apps-install-title")
+    globalToolBarStyle: Kirigami.ApplicationHeaderStyle.None
+    header: Kirigami.AbstractApplicationHeader {
+        PageTitle {
+            anchors { fill: parent; leftMargin: Kirigami.Units.smallSpacing }
+            text: page.title
+            onLeft: applicationWindow().pageStack.goBack()
+        }
+    }
+
+    // The page of an install that goes on can be left, and comes back with its result.
+    onBackRequested: {
+        if (Installer.isBusy)
+            return
+        event.accepted = true
+        Installer.goOn()
+    }
+    Keys.onEscapePressed: applicationWindow().pageStack.goBack()
+    Component.onCompleted: Qt.callLater(() => goOn.forceActiveFocus(Qt.TabFocusReason))
+    Connections {
+        target: Installer
+        function onChanged() {
+            if (!Installer.isBusy)
+                goOn.forceActiveFocus(Qt.TabFocusReason)
+        }
+    }
     readonly property App installed: Installer.state === Installer.Installed && AppList.count > 0
         ? AppList.find(Installer.package) : null
 
@@ -65,26 +90,22 @@ Kirigami.Page {
         Flow {
             Layout.alignment: Qt.AlignHCenter
             spacing: Kirigami.Units.smallSpacing
-            Controls.Button {
-                Accessible.name: text
+            ActionButton {
                 objectName: "startForInstall"
                 visible: Installer.state === Installer.Waiting && Runtime.canStart
                 text: qsTrId("lumd-apps-start")
                 icon.name: "media-playback-start"
-                highlighted: true
                 onClicked: Runtime.start()
             }
-            Controls.Button {
-                Accessible.name: text
+            ActionButton {
                 objectName: "launchInstalled"
                 visible: page.installed !== null
                 text: qsTrId("lumd-apps-launch")
                 icon.name: "media-playback-start"
-                highlighted: true
                 onClicked: page.installed.launch()
             }
-            Controls.Button {
-                Accessible.name: text
+            ActionButton {
+                id: goOn
                 objectName: "goOn"
                 visible: !Installer.isBusy
                 text: Installer.waiting > 0 ? qsTrId("lumd-apps-install-next") : qsTrId("lumd-apps-done")

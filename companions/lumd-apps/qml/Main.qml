@@ -36,16 +36,17 @@ Kirigami.ApplicationWindow {
     SystemPalette { id: systemPalette }
 
     pageStack.defaultColumnWidth: Kirigami.Units.gridUnit * 20
-    pageStack.globalToolBar.style: Kirigami.ApplicationHeaderStyle.ToolBar
-    // They have no name for a screen reader; the page of an app brings its own.
+    // Its buttons have no name for a screen reader; pages that can be left bring their own.
+    pageStack.globalToolBar.style: pageStack.layers.depth > 1 ? Kirigami.ApplicationHeaderStyle.None
+        : Kirigami.ApplicationHeaderStyle.ToolBar
     pageStack.globalToolBar.showNavigationButtons: Kirigami.ApplicationHeaderStyle.NoNavigationButtons
     pageStack.initialPage: AppListPage {
-        onAppChosen: window.showApp(app)
+        onAppChosen: window.showApp(app, reason)
     }
 
-    function showApp(app) {
+    function showApp(app, reason) {
         pageStack.pop(pageStack.items[0])
-        pageStack.push(Qt.resolvedUrl("AppPage.qml"), { app: app })
+        pageStack.push(Qt.resolvedUrl("AppPage.qml"), { app: app, openedBy: reason })
     }
 
     function showInstaller() {

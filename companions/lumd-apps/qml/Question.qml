@@ -15,7 +15,7 @@ Controls.Dialog {
     padding: Kirigami.Units.largeSpacing
     focus: true
     width: Math.min(parent ? parent.width - Kirigami.Units.gridUnit * 2 : 0, Kirigami.Units.gridUnit * 22)
-    onOpened: cancel.forceActiveFocus()
+    onOpened: cancel.forceActiveFocus(Qt.TabFocusReason)
 
     // Not the label itself: one that is given a height cuts its text to that.
     contentItem: Item {
@@ -23,7 +23,7 @@ Controls.Dialog {
         Controls.Label {
             id: label
             objectName: "questionText"
-            width: parent.width
+            width: question.availableWidth
             text: question.text
             textFormat: Text.PlainText
             wrapMode: Text.Wrap
@@ -34,15 +34,13 @@ Controls.Dialog {
         }
     }
     footer: Controls.DialogButtonBox {
-        Controls.Button {
-            Accessible.name: text
+        ActionButton {
             id: cancel
             objectName: "cancel"
             text: qsTrId("lumd-apps-cancel")
             Controls.DialogButtonBox.buttonRole: Controls.DialogButtonBox.RejectRole
         }
-        Controls.Button {
-            Accessible.name: text
+        ActionButton {
             objectName: "consent"
             text: question.consent
             Controls.DialogButtonBox.buttonRole: Controls.DialogButtonBox.AcceptRole

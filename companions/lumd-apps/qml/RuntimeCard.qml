@@ -49,17 +49,14 @@ Controls.Control {
                 Accessible.role: Accessible.StaticText
                 Accessible.name: text
             }
-            Controls.Button {
-                Accessible.name: text
+            ActionButton {
                 objectName: "start"
                 visible: Runtime.canStart
                 text: qsTrId("lumd-apps-start")
                 icon.name: "media-playback-start"
-                highlighted: true
                 onClicked: Runtime.start()
             }
-            Controls.Button {
-                Accessible.name: text
+            ActionButton {
                 objectName: "stop"
                 visible: Runtime.canStop
                 text: qsTrId("lumd-apps-stop")

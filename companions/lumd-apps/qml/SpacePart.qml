@@ -46,8 +46,7 @@ RowLayout {
             Accessible.name: name.text + " " + text
         }
     }
-    Controls.Button {
-        Accessible.name: text
+    ActionButton {
         id: button
         objectName: "clear"
         visible: text.length > 0

@@ -124,6 +124,10 @@ void AppsWorld::qmlEngineAvailable(QQmlEngine *engine)
 {
     m_engine = engine;
     engine->rootContext()->setContextProperty(QStringLiteral("world"), this);
+    connect(engine, &QQmlEngine::warnings, this, [this](const QList<QQmlError> &warnings) {
+        for (const QQmlError &warning : warnings)
+            m_complaints.append(warning.toString());
+    });
 }
 
 bool AppsWorld::start()
@@ -352,6 +356,11 @@ bool AppsWorld::isReadOut(QQuickWindow *window, const QString &text) const
 {
     QAccessible::setActive(true);
     return contains(QAccessible::queryAccessibleInterface(window), text);
+}
+
+QStringList AppsWorld::complaints()
+{
+    return std::exchange(m_complaints, {});
 }
 
 int AppsWorld::draw(QQuickWindow *window, const QString &name) const

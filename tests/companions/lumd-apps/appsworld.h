@@ -72,6 +72,8 @@ public:
     Q_INVOKABLE QString accessibleDescription(QQuickItem *item) const;
     /// Whether that text occurs among the names that a screen reader gets of the window.
     Q_INVOKABLE bool isReadOut(QQuickWindow *window, const QString &text) const;
+    /// What the engine has complained of since the last call: binding loops, missing names.
+    Q_INVOKABLE QStringList complaints();
     /// Keeps what the window shows, and gives how many colours it has.
     Q_INVOKABLE int draw(QQuickWindow *window, const QString &name) const;
 
@@ -90,6 +92,7 @@ private:
     std::unique_ptr<AppsModule> m_module;
     std::unique_ptr<Window::Texts> m_texts;
     QQmlEngine *m_engine = nullptr;
+    QStringList m_complaints;
     std::mutex m_mutex;
     QHash<QString, QVector<qint64>> m_sizes;
     std::set<QString> m_allowed;

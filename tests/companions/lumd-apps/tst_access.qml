@@ -59,16 +59,112 @@ AppsTest {
         verifyReached(focusChain(), ["launch", "stopApp", "clear", "appOnBoot", "settings", "remove"])
     }
 
+    function test_keyboardAloneGoesToAnAppAndBack_data() {
+        return [{ tag: "phone", width: phoneWidth }, { tag: "desktop", width: 960 }]
+    }
+    function test_keyboardAloneGoesToAnAppAndBack(row) {
+        if (row.tag === "phone") {
+            startUp()
+            announce("com.alarm", "Alarm")
+            announce("com.clock", "Clock")
+        }
+        open(row.width)
+        waitFor("app-com.clock")
+        waitFor("search").forceActiveFocus()
+        keyClick(Qt.Key_Down)
+        tryCompare(seen("list"), "activeFocus", true, 10000)
+        keyClick(Qt.Key_Down)
+        keyClick(Qt.Key_Return)
+        waitForText("appName", "Clock")
+        // What has the focus looks like it.
+        tryVerify(() => seen("launch").visualFocus, 10000)
+        compare(seen("launch").highlighted, false)
+        keyClick(Qt.Key_Tab)
+        tryCompare(seen("stopApp"), "activeFocus", true, 10000)
+        keyClick(Qt.Key_Escape)
+        waitForNo("appPage")
+        tryCompare(seen("list"), "activeFocus", true, 10000)
+        compare(seen("list").currentIndex, 1)
+    }
+
+    function test_keyboardStaysOnThePageThatIsSeen() {
+        startUp()
+        announce("com.clock", "Clock")
+        open()
+        openApp("com.clock")
+        tryCompare(waitFor("appOnBoot"), "enabled", true, 10000)
+        const chain = focusChain()
+        for (const name of ["search", "stop", "runtimeOnBoot", "app-com.clock"])
+            verify(!chain.includes(name), name + " is not to be seen, and has the focus")
+        keyClick(Qt.Key_Left, Qt.AltModifier)
+        waitForNo("appPage")
+        verifyReached(focusChain(), ["search", "stop", "runtimeOnBoot", "app-com.clock"])
+    }
+
+    function test_returnPressesWhatHasTheFocus_data() {
+        return [{ tag: "button" }, { tag: "switch" }]
+    }
+    function test_returnPressesWhatHasTheFocus(row) {
+        if (row.tag === "button")
+            startUp()
+        announce("com.clock", "Clock")
+        open()
+        waitFor("app-com.clock")
+        const item = waitFor(row.tag === "button" ? "stop" : "runtimeOnBoot")
+        tryCompare(item, "enabled", true, 10000)
+        item.forceActiveFocus(Qt.TabFocusReason)
+        keyClick(Qt.Key_Return)
+        const call = row.tag === "button" ? "StopUnit" : "EnableUnitFiles"
+        tryVerify(() => world.systemdCalls().some(text => text.startsWith(call)), 10000)
+        compare(seen("appPage"), null)
+    }
+
+    function test_keyboardGoesThroughAnInstall() {
+        startUp()
+        open()
+        Installer.install([world.makeApk("a.apk"), world.makeApk("b.apk")])
+        waitForText("installTitle", "Installing")
+        verifyReached(focusChain(), ["back"])
+        // Whoever looks at the apps meanwhile is told of the result.
+        keyClick(Qt.Key_Escape)
+        waitForNo("installPage")
+        verify(world.finishInstall(1, "com.a", ""))
+        waitForText("installTitle", "Installed")
+        tryCompare(waitFor("goOn"), "visualFocus", true, 10000)
+        verifyReached(focusChain(), ["back", "goOn"])
+        // No file is forgotten.
+        keyClick(Qt.Key_Escape)
+        waitForText("installFile", "b.apk")
+        waitForText("installTitle", "Installing")
+        verify(world.finishInstall(1, "com.b", ""))
+        waitForText("installTitle", "Installed")
+        tryCompare(seen("goOn"), "activeFocus", true, 10000)
+        keyClick(Qt.Key_Return)
+        waitForNo("installPage")
+    }
+
+    function test_iconsAreAsDarkOrLightAsTheirText() {
+        world.setDark(true)
+        startUp()
+        announce("com.clock", "Clock")
+        open()
+        openApp("com.clock")
+        for (const name of ["launch", "stopApp", "settings", "remove"])
+            compare(seen(name).icon.color, seen(name).palette.buttonText, name)
+        compare(seen("back").icon.color, seen("appName").color)
+    }
+
     function test_questionIsAnsweredByTheKeyboard() {
         startUp()
         announce("com.clock", "Clock")
         open()
         openApp("com.clock")
-        waitFor("remove").forceActiveFocus()
+        tryCompare(waitFor("launch"), "activeFocus", true, 10000)
+        seen("remove").forceActiveFocus()
         keyClick(Qt.Key_Space)
         waitFor("questionText")
         // What harms nobody is what a hasty key does.
-        tryVerify(() => seen("cancel") !== null && seen("cancel").activeFocus, 10000)
+        tryVerify(() => seen("cancel") !== null && seen("cancel").visualFocus, 10000)
         keyClick(Qt.Key_Escape)
         waitForNo("questionText")
         compare(AppList.find("com.clock").removal, App.Installed)

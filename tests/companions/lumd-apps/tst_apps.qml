@@ -255,6 +255,7 @@ AppsTest {
         compare(label.textFormat, Text.PlainText)
         verify(label.width <= item.width)
         compare(label.lineCount, 1)
+        compare(label.effectiveHorizontalAlignment, Text.AlignLeft)
         openApp("com.odd")
         const name = waitFor("appName")
         compare(name.text, row.shown)
