@@ -90,14 +90,8 @@ void AppList::onState()
 
 void AppList::read()
 {
-    if (m_isReading) {
-        m_readSoon.start();
-        return;
-    }
-    m_isReading = true;
     using Apps = QVector<AndroidApp>;
     m_service->client().listApps(m_service->counted<Apps>(this, [this](const Answer<Apps> &answer) {
-        m_isReading = false;
         if (answer.error || m_service->presence() != LumdService::Presence::Present)
             return;
         take(answer.value);
@@ -202,8 +196,7 @@ void AppList::askNextSizes()
         m_service->client().fetchSize(app->package(),
             m_service->counted<AppSize>(this, [this, app](const Answer<AppSize> &answer) {
                 m_isAskingSizes = false;
-                // One that was on its way when the runtime went down is none any more.
-                if (app && !answer.error && m_service->isRuntimeReady())
+                if (app && !answer.error)
                     app->setSizes(answer.value);
                 askNextSizes();
             }));

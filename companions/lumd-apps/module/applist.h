@@ -62,7 +62,6 @@ private:
     LumdService *m_service;
     QVector<App *> m_apps;
     QTimer m_readSoon;
-    bool m_isReading = false;
     bool m_isRead = false;
     bool m_wasReady = false;
     bool m_isMeasuring = false;

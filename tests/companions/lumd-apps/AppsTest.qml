@@ -87,6 +87,14 @@ TestCase {
         }
         fail("it does not come to rest")
     }
+    // What lumd has told of before that has come, too.
+    function waitForLumd() {
+        const calls = world.systemdCalls().length
+        world.setUnitFileState("enabled")
+        Runtime.setStartOnBoot(true)
+        tryVerify(() => world.systemdCalls().length > calls, 10000)
+        tryCompare(Runtime, "startOnBoot", true, 10000)
+    }
     // The daemon with the runtime up.
     function startUp() {
         verify(world.start())

@@ -29,10 +29,10 @@ namespace {
 const QString service = QStringLiteral("com.tovra.lumd");
 const QString launcherService = QStringLiteral("alien.launcher");
 
-/// Lets nobody but the bus itself send to the daemon.
+/// Lets nobody but the bus itself send to the owner of a name.
 const char *refusal = R"(<busconfig>
   <policy context="mandatory">
-    <deny send_destination="com.tovra.lumd"/>
+    <deny send_destination="NAME"/>
   </policy>
 </busconfig>
 )";
@@ -135,10 +135,16 @@ bool AppsWorld::start()
     return m_world.start();
 }
 
+void AppsWorld::refuse(const QString &name)
+{
+    makeFile(QStringLiteral("/run/dbus/system_bus_socket.policy"),
+        QByteArray(refusal).replace("NAME", name.toUtf8()));
+    m_world.systemBus.signal(SIGHUP);
+}
+
 bool AppsWorld::startRefused()
 {
-    makeFile(QStringLiteral("/run/dbus/system_bus_socket.policy"), refusal);
-    m_world.systemBus.signal(SIGHUP);
+    refuse(service);
     m_world.daemon->start();
     return m_world.daemon->waitForBusName();
 }
@@ -297,6 +303,13 @@ QUrl AppsWorld::makeApk(const QString &name)
     const QString path = QStringLiteral("/run/apps/") + name;
     makeFile(path, "apk");
     return QUrl::fromLocalFile(path);
+}
+
+bool AppsWorld::installElsewhere(const QUrl &apk)
+{
+    const QDBusMessage reply =
+        DaemonFixture::call(QStringLiteral("installFile"), {apk.toLocalFile()});
+    return reply.arguments().value(0).toBool();
 }
 
 void AppsWorld::forbidChanges()

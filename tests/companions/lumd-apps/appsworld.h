@@ -27,6 +27,8 @@ public:
 
     // The daemon.
     Q_INVOKABLE bool start();
+    /// The bus lets nobody send to the owner of that name any more.
+    Q_INVOKABLE void refuse(const QString &name);
     /// Starts it behind a bus policy that lets nobody in.
     Q_INVOKABLE bool startRefused();
     /// Serves com.tovra.lumd without its monitor object, in the daemon's place.
@@ -62,6 +64,8 @@ public:
     /// Nobody but the privileged may install and remove.
     Q_INVOKABLE void forbidChanges();
     Q_INVOKABLE QUrl makeApk(const QString &name);
+    /// Another program asks for it.
+    Q_INVOKABLE bool installElsewhere(const QUrl &apk);
     Q_INVOKABLE QString pathInRuntime(const QString &name) const { return incomingInRuntime(name); }
 
     // The look.

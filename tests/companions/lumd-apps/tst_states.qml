@@ -56,6 +56,17 @@ AppsTest {
         verify(seen("start") !== null)
     }
 
+    function test_runtimeIsStartingUntilItTakesApps() {
+        verify(world.start())
+        verify(world.see("active"))
+        open()
+        waitForText("runtimeTitle", "Android is starting")
+        waitForLumd()
+        waitForText("runtimeTitle", "Android is starting")
+        verify(world.bringUp())
+        waitForText("runtimeTitle", "Android is running")
+    }
+
     function test_startWithTheDeviceShowsWhatSystemdHolds() {
         verify(world.start())
         open()
