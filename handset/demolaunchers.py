@@ -25,7 +25,7 @@ class LauncherSteps(Steps):
 
     def install(self):
         """A handset without lumd boots, and lumd is installed on it by apt"""
-        wanted = packages.build(self.show)
+        wanted = packages.build(say=self.show)
         seconds = self.machine.boot()
         self.show(f"up after {seconds:.1f} s")
         self.show("$ apt-get install " + " ".join(f"./{path.name}" for path in wanted))

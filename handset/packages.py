@@ -24,7 +24,7 @@ BESIDE = (".ci/", "bench/", "debian/tests/", "docs/benchmarks.md", "docs/picture
           "docs/testing.md", "fuzz/", "handset/", "tests/", "tools/")
 
 
-def build(architecture=None, say=print):
+def build(architecture=None, *, say=print):
     """Gives the packages of the present sources, built first if they are not there; for this
     machine's own architecture, where none is named."""
     architecture = architecture or buildroot.native()
