@@ -37,6 +37,7 @@ MEMBERS = [
 
 # Whoever is on the seat instead of the handset's user, and how he gets there.
 SECOND = 1001
+FIRST_LOGIN = "/etc/systemd/system/getty@tty1.service.d/handset.conf"
 SECOND_LOGIN = "/run/systemd/system/getty@tty1.service.d"
 
 # What /proc/PID/syscall begins with while a process sits in poll.
@@ -98,10 +99,12 @@ class StartUp(Scenario):
     def test_anotherUserOnTheSeatIsTheNextLumdsUser(self):
         machine = self.device.machine
         first = self.device.owner()
-        machine.shell(f"useradd --create-home --uid {SECOND} --groups users second && "
-                      f"mkdir -p {SECOND_LOGIN} && cp /etc/systemd/system/getty@tty1.service.d/"
-                      f"handset.conf {SECOND_LOGIN}/second.conf && sed -i 's/autologin handset/"
-                      f"autologin second/' {SECOND_LOGIN}/second.conf && systemctl daemon-reload")
+        machine.shell(f"""
+            set -e
+            useradd --create-home --uid {SECOND} --groups users second
+            mkdir -p {SECOND_LOGIN}
+            sed 's/autologin handset/autologin second/' {FIRST_LOGIN} > {SECOND_LOGIN}/second.conf
+            systemctl daemon-reload""")
         self.addCleanup(self.bring_back_the_first_user)
         self.device.end_session()
         self.device.start("getty@tty1.service")
