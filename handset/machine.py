@@ -17,7 +17,7 @@ import image as images
 from image import HandsetError
 
 RUN = images.CACHE / "run"
-BOOT_TIMEOUT = 300
+BOOT_TIMEOUT = 600
 COMMAND_TIMEOUT = 240
 INSTALL_TIMEOUT = 500
 
