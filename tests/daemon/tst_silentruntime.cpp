@@ -103,6 +103,9 @@ void TestSilentRuntime::serviceThatIsLostIsGivenAMinuteToo()
     QVERIFY(m_world->see(QStringLiteral("active")));
     QVERIFY(m_world->bringUp(QStringLiteral("package")));
     m_world->android->killService(QStringLiteral("package"));
+    QVERIFY(m_world->daemon->waitForLine(
+        QStringLiteral("warning com.tovra.lumd.binder package died! Trying to reconnect.")));
+    QVERIFY(DaemonFixture::settle());
     QCOMPARE(warningsAfter(55s), QStringList());
     QCOMPARE(warningsAfter(15s), QStringList{warning});
 }
