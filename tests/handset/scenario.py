@@ -35,6 +35,12 @@ class Scenario(unittest.TestCase):
                     print(f"  <{line.priority}> {line.text}", file=sys.stderr)
         return result
 
+    def wait_files(self, *groups):
+        """Waits until the files on the handset are those of the groups, by their paths."""
+        expected = {path for group in groups for path in group}
+        self.device.wait(lambda: set(self.device.files()) == expected,
+                         f"the files are {sorted(expected)}")
+
     def assert_files(self, *groups):
         """The files on the handset are exactly those of the groups, byte for byte."""
         expected = {}

@@ -26,11 +26,6 @@ class Missing(AppScenario):
     def restart_lumd(self):
         self.device.machine.run("systemctl", "restart", device.LUMD)
 
-    def wait_files(self, *groups):
-        expected = {path for group in groups for path in group}
-        self.device.wait(lambda: set(self.device.files()) == expected,
-                         f"the files are {sorted(expected)}")
-
     def test_withoutTheBinderDeviceLumdWaitsForIt(self):
         self.device.install(apps.MAPS)
         self.take_away(BINDER)

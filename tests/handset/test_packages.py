@@ -39,11 +39,6 @@ class Packages(AppScenario):
         return self.in_packages(
             f"DEBIAN_FRONTEND=noninteractive apt-get --yes {' '.join(words)} 2>&1")
 
-    def wait_files(self, *groups):
-        expected = {path for group in groups for path in group}
-        self.device.wait(lambda: set(self.device.files()) == expected,
-                         f"the files are {sorted(expected)}")
-
     def test_aRemovalTakesTheLaunchersAndAnInstallBringsThemBack(self):
         self.device.install(apps.MAPS)
         self.device.start_runtime()
