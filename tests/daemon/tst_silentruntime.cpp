@@ -32,6 +32,8 @@ private Q_SLOTS:
 
 private:
     bool start();
+    /// Kills the service, and waits until the daemon has heard of it.
+    bool losePackageService();
     /// Lets the time pass for the daemon, and gives its warnings so far.
     QStringList warningsAfter(std::chrono::seconds time);
 
@@ -57,6 +59,14 @@ bool TestSilentRuntime::start()
     return m_world->start();
 }
 
+bool TestSilentRuntime::losePackageService()
+{
+    m_world->android->killService(QStringLiteral("package"));
+    return m_world->daemon->waitForLine(
+               QStringLiteral("warning com.tovra.lumd.binder package died! Trying to reconnect."))
+        && DaemonFixture::settle();
+}
+
 QStringList TestSilentRuntime::warningsAfter(std::chrono::seconds time)
 {
     m_clock->forward(time);
@@ -77,6 +87,9 @@ void TestSilentRuntime::minuteOfSilenceIsWarnedOfOnce()
     QVERIFY(m_world->see(QStringLiteral("active")));
     QCOMPARE(warningsAfter(55s), QStringList());
     QCOMPARE(warningsAfter(15s), QStringList{warning});
+    QCOMPARE(warningsAfter(10min), QStringList{warning});
+    QVERIFY(m_world->bringUp(QStringLiteral("package")));
+    QVERIFY(losePackageService());
     QCOMPARE(warningsAfter(10min), QStringList{warning});
 }
 
@@ -102,10 +115,7 @@ void TestSilentRuntime::serviceThatIsLostIsGivenAMinuteToo()
     QVERIFY(start());
     QVERIFY(m_world->see(QStringLiteral("active")));
     QVERIFY(m_world->bringUp(QStringLiteral("package")));
-    m_world->android->killService(QStringLiteral("package"));
-    QVERIFY(m_world->daemon->waitForLine(
-        QStringLiteral("warning com.tovra.lumd.binder package died! Trying to reconnect.")));
-    QVERIFY(DaemonFixture::settle());
+    QVERIFY(losePackageService());
     QCOMPARE(warningsAfter(55s), QStringList());
     QCOMPARE(warningsAfter(15s), QStringList{warning});
 }
