@@ -24,11 +24,12 @@ INSTALL_TIMEOUT = 500
 # What QEMU is told of a machine of each architecture, and its kernel of the console.
 # no_timer_check: where the host is busy no tick may come in the time that the kernel gives the
 # emulated timer, and it would panic.
+# norandmaps: QEMU keeps what it translated of a program by its address, for the next process too.
 EMULATORS = {
     "amd64": (["qemu-system-x86_64", "-cpu", "max,la57=off"],
-              "console=ttyS0 no_timer_check random.trust_cpu=on mitigations=off"),
+              "console=ttyS0 no_timer_check random.trust_cpu=on mitigations=off norandmaps"),
     "arm64": (["qemu-system-aarch64", "-M", "virt", "-cpu", "cortex-a72"],
-              "console=ttyAMA0 mitigations=off"),
+              "console=ttyAMA0 mitigations=off norandmaps"),
 }
 
 # Where packages are put that are installed by hand.
