@@ -34,6 +34,18 @@ PACKAGES = """
     systemd systemd-sysv udev
 """.split()
 
+# What the handset has no use for, and what would be made of it: the kernel's modules are but for a
+# few; a hardware database and file types are compiled.
+EXCLUDED = """
+    /usr/share/doc/* /usr/share/man/* /usr/share/locale/* /usr/share/mime/packages/*
+    /usr/lib/udev/hwdb.d/* /usr/lib/modules/*/kernel/*
+""".split()
+INCLUDED = [f"/usr/lib/modules/*/kernel/{path}*" for path in """
+    crypto/crc32c drivers/android/ drivers/block/virtio_blk drivers/char/hw_random/
+    drivers/net/net_failover drivers/net/virtio_net drivers/virtio/ fs/autofs/ fs/ext4/ fs/jbd2/
+    fs/mbcache lib/ net/core/
+""".split()]
+
 
 class HandsetError(Exception):
     """Something that the user can read and act on."""
@@ -101,14 +113,18 @@ def make(scratch, image):
                f'--customize-hook=chroot "$1" /bin/bash < {quoted(HERE / "configure-rootfs")}',
                f'--customize-hook=install -D -m 600 {quoted(image.key)}.pub '
                '"$1/root/.ssh/authorized_keys"']
+    options += [f"--dpkgopt=path-exclude={path}" for path in EXCLUDED]
+    options += [f"--dpkgopt=path-include={path}" for path in INCLUDED]
+    # INITRD=No keeps the kernel's package from making an initial RAM disk of its own.
+    environment = {"INITRD": "No"}
     try:
         if image.architecture != buildroot.native():
             emulation.enable(image.architecture)
-            options.append(f"--architectures={image.architecture}")
+            options += [f"--architectures={image.architecture}", *emulation.options()]
+            environment.update(emulation.ENVIRONMENT)
         packages = [*PACKAGES, f"linux-image-{image.architecture}"]
-        # INITRD=No keeps the kernel's package from making an initial RAM disk of its own.
         debianroot.bootstrap(root, SUITE, packages, options, debianroot.package_sources(SUITE),
-                             CACHE / f"image-{image.architecture}.log", INITRD="No")
+                             CACHE / f"image-{image.architecture}.log", **environment)
     except debianroot.RootError as error:
         raise HandsetError(str(error)) from error
     (kernel,) = (root / "boot").glob("vmlinuz-*")
