@@ -2,8 +2,6 @@
 """The Debian root in which packages are built, and what comes into it and out of it."""
 
 import os
-import pathlib
-import shutil
 import subprocess
 
 import debianroot
@@ -33,22 +31,11 @@ def native():
                           text=True).stdout.strip()
 
 
-def install_tools():
-    """What this takes beside what every Debian has."""
-    missing = [package for program, package in (('mmdebstrap', 'mmdebstrap'), ('git', 'git'))
-               if not shutil.which(program)]
-    if not pathlib.Path(debianroot.KEYRING).exists():
-        missing.append('debian-archive-keyring')
-    if missing:
-        subprocess.run(['apt-get', 'update'], check=True)
-        subprocess.run(['apt-get', 'install', '--yes', '--no-install-recommends', *missing],
-                       check=True, env=dict(os.environ, DEBIAN_FRONTEND='noninteractive'))
-
-
 def root(suite, architecture):
     """The root with all that a build for the architecture takes; RPM packages are built in this
     machine's own."""
-    install_tools()
+    if subprocess.run([PROJECT / 'tools' / 'setup', '--package'], check=False).returncode != 0:
+        raise debianroot.RootError('what packages are built with is not there')
     control = PROJECT / 'debian' / 'control'
     here = native()
     if architecture == here:
