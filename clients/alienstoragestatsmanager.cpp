@@ -39,7 +39,7 @@ AppSizeInfo readStats(GBinderRemoteReply *reply)
 
 AlienStorageStatsManager::AlienStorageStatsManager()
     : AlienBinderConnection(
-        "storagestats", "android.app.usage.IStorageStatsManager", false, nullptr)
+          "storagestats", "android.app.usage.IStorageStatsManager", false, nullptr)
 {
 }
 

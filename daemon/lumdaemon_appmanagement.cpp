@@ -68,7 +68,7 @@ void LumDaemon::notifyRuntimeUpgrade(bool upgrading)
 LumDaemon::Reply LumDaemon::replyLater() const
 {
     if (!calledFromDBus())
-        return [](const QVariantList &) {};
+        return [](const QVariantList &) { };
     setDelayedReply(true);
     return [bus = connection(), call = message()](const QVariantList &results) {
         if (call.isReplyRequired())

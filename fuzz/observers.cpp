@@ -60,9 +60,7 @@ World::World()
             result = {success, name, message};
         });
     QObject::connect(&*m_manager, &AlienPackageManager::uninstallationResultReceived,
-        [this](bool success, const QString &name) {
-            result = {success, name, {}};
-        });
+        [this](bool success, const QString &name) { result = {success, name, {}}; });
 }
 
 Result installResult(ReferenceParcel &parcel)

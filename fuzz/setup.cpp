@@ -15,7 +15,7 @@ int LLVMFuzzerInitialize(int *argc, char ***argv)
     TestNamespace::enter();
     // The messages are made, since that is part of what is tried, but not shown.
     qputenv("QT_LOGGING_RULES", "com.tovra.lumd.*=true");
-    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) { });
     return 0;
 }
 

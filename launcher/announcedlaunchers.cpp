@@ -6,7 +6,7 @@
 void AnnouncedLaunchers::add(const ApkLauncher &launcher, const QString &desktopPath)
 {
     for (auto found = m_byEntry.constFind(desktopPath);
-         found != m_byEntry.constEnd() && found.key() == desktopPath; ++found) {
+        found != m_byEntry.constEnd() && found.key() == desktopPath; ++found) {
         const auto record = *found;
         if (record->packageName == launcher.packageName
             && record->className == launcher.className) {

@@ -142,9 +142,8 @@ ExitCode run(const Command &command, QCommandLineParser &parser, QStringList arg
         return session.misused(withHint(qtTrId("lumctl-bad-timeout")));
     if (arguments.size() < command.fewest
         || (command.most != anyNumber && arguments.size() > command.most))
-        return session.misused(
-            withHint(qtTrId("lumctl-bad-arguments")
-                         .arg(QLatin1String(command.name), QLatin1String(command.arguments))));
+        return session.misused(withHint(qtTrId("lumctl-bad-arguments")
+                .arg(QLatin1String(command.name), QLatin1String(command.arguments))));
     const ExitCode code = command.run(session);
     if (session.caughtSignal() != 0)
         endBySignal(session.caughtSignal());

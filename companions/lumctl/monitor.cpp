@@ -57,9 +57,8 @@ void EventPrinter::follow(LumdClient &client, QObject *context) const
     connectTo(&LumdClient::removeFinished, [this](Text package, bool success) {
         print("RemoveFinished", {{"package", package}, {"success", success}});
     });
-    connectTo(&LumdClient::requestQueued, [this](Text kind, Text what) {
-        print("RequestQueued", {{"kind", kind}, {"what", what}});
-    });
+    connectTo(&LumdClient::requestQueued,
+        [this](Text kind, Text what) { print("RequestQueued", {{"kind", kind}, {"what", what}}); });
     connectTo(&LumdClient::launcherChanged, [this](Text package, const AndroidLauncher &launcher) {
         print("LauncherChanged",
             {{"desktopFile", launcher.desktopFile}, {"package", package}, {"name", launcher.name},
@@ -68,9 +67,8 @@ void EventPrinter::follow(LumdClient &client, QObject *context) const
     connectTo(&LumdClient::launcherGone, [this](Text package, Text desktopFile) {
         print("LauncherGone", {{"desktopFile", desktopFile}, {"package", package}});
     });
-    connectTo(&LumdClient::packageRemoved, [this](Text package) {
-        print("PackageRemoved", {{"package", package}});
-    });
+    connectTo(&LumdClient::packageRemoved,
+        [this](Text package) { print("PackageRemoved", {{"package", package}}); });
     connectTo(&LumdClient::listComplete, [this] { print("ListComplete", {}); });
     connectTo(&LumdClient::startOnBootChanged, [this](Text package, bool allowed) {
         print("StartOnBootChanged", {{"package", package}, {"allowed", allowed}});

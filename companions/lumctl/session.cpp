@@ -173,7 +173,7 @@ ExitCode Session::failWithCandidates(const QString &name, const QVector<AndroidA
         {{QStringLiteral("name"), name}, {QStringLiteral("candidates"), packages}});
     for (const AndroidApp &app : candidates)
         output.error(QStringLiteral("  %1  %2")
-                         .arg(shownName(app.package), cutToWidth(shownName(app.name()), 60)));
+                .arg(shownName(app.package), cutToWidth(shownName(app.name()), 60)));
     return ExitCode::NoSuchApp;
 }
 

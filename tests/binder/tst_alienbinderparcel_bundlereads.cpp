@@ -190,9 +190,8 @@ void TestAlienBinderParcelBundleReads::laterOneOfTwoEqualKeysWins()
 {
     ParcelWriter entries;
     entries.string16(a).int32(1).int32(1).string16(a).int32(0).string16(b);
-    m_peer.receive(bundle(2, entries), [](AlienBinderParcel &parcel) {
-        QCOMPARE(parcel.readBundle(), QVariantMap({{a, b}}));
-    });
+    m_peer.receive(bundle(2, entries),
+        [](AlienBinderParcel &parcel) { QCOMPARE(parcel.readBundle(), QVariantMap({{a, b}})); });
 }
 
 void TestAlienBinderParcelBundleReads::writtenBundleIsReadBack()

@@ -164,9 +164,8 @@ void TestAlienBinderParcelBundleWrites::emptyBundleIsTwelveBytes()
 
 void TestAlienBinderParcelBundleWrites::bundleOfOneEntry()
 {
-    QCOMPARE(written([](AlienBinderParcel &parcel) {
-        parcel.writeBundle({{QStringLiteral("k"), 5}});
-    }),
+    QCOMPARE(
+        written([](AlienBinderParcel &parcel) { parcel.writeBundle({{QStringLiteral("k"), 5}}); }),
         hex("14000000 424e444c 01000000 010000006b000000 01000000 05000000").toHex(' '));
 }
 
@@ -224,9 +223,8 @@ void TestAlienBinderParcelBundleWrites::mapIsACountAndItsEntries()
 
 void TestAlienBinderParcelBundleWrites::intMapIsACountAndItsEntries()
 {
-    const QByteArray bytes = written([](AlienBinderParcel &parcel) {
-        parcel.writeIntMap({{5, true}, {-1, QVariant()}});
-    });
+    const QByteArray bytes = written(
+        [](AlienBinderParcel &parcel) { parcel.writeIntMap({{5, true}, {-1, QVariant()}}); });
     QCOMPARE(bytes, hex("02000000 ffffffff ffffffff 05000000 09000000 01000000").toHex(' '));
 }
 

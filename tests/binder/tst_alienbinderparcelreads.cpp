@@ -105,9 +105,8 @@ void TestAlienBinderParcelReads::readsExactValues_data()
     row("mark of the other byte order behind the head", "020000006100feff0000 0000", [](P &p) {
         QCOMPARE(p.readString(), QLatin1Char('a') + QString(QChar(QChar::ByteOrderSwapped)));
     });
-    row("list", "03000000 0100000062000000 ffffffff 0100000061000000", [](P &p) {
-        QCOMPARE(shown(p.readStringList()), texts({"\"b\"", "(null)", "\"a\""}));
-    });
+    row("list", "03000000 0100000062000000 ffffffff 0100000061000000",
+        [](P &p) { QCOMPARE(shown(p.readStringList()), texts({"\"b\"", "(null)", "\"a\""})); });
     row("empty list", "00000000", [](P &p) { QCOMPARE(p.readStringList(), QStringList()); });
     row("byte array", "0500000061626364 65000000",
         [](P &p) { QCOMPARE(p.readByteArray(), QByteArray("abcde")); });

@@ -67,26 +67,17 @@ void TestAlienBinderParcelWrites::writesExactBytes_data()
         QTest::newRow(name) << write << hex(digits);
     };
     using P = AlienBinderParcel;
-    row(
-        "true", [](P &p) { p.writeBool(true); }, "01000000");
-    row(
-        "false", [](P &p) { p.writeBool(false); }, "00000000");
+    row("true", [](P &p) { p.writeBool(true); }, "01000000");
+    row("false", [](P &p) { p.writeBool(false); }, "00000000");
 
-    row(
-        "int32", [](P &p) { p.writeInt32(0x01020304); }, "04030201");
-    row(
-        "int32 0", [](P &p) { p.writeInt32(0); }, "00000000");
-    row(
-        "int32 -1", [](P &p) { p.writeInt32(-1); }, "ffffffff");
-    row(
-        "int32 max", [](P &p) { p.writeInt32(std::numeric_limits<qint32>::max()); }, "ffffff7f");
-    row(
-        "int32 min", [](P &p) { p.writeInt32(std::numeric_limits<qint32>::min()); }, "00000080");
+    row("int32", [](P &p) { p.writeInt32(0x01020304); }, "04030201");
+    row("int32 0", [](P &p) { p.writeInt32(0); }, "00000000");
+    row("int32 -1", [](P &p) { p.writeInt32(-1); }, "ffffffff");
+    row("int32 max", [](P &p) { p.writeInt32(std::numeric_limits<qint32>::max()); }, "ffffff7f");
+    row("int32 min", [](P &p) { p.writeInt32(std::numeric_limits<qint32>::min()); }, "00000080");
 
-    row(
-        "int64", [](P &p) { p.writeInt64(0x0102030405060708); }, "0807060504030201");
-    row(
-        "int64 -2", [](P &p) { p.writeInt64(-2); }, "feffffffffffffff");
+    row("int64", [](P &p) { p.writeInt64(0x0102030405060708); }, "0807060504030201");
+    row("int64 -2", [](P &p) { p.writeInt64(-2); }, "feffffffffffffff");
     row(
         "int64 max", [](P &p) { p.writeInt64(std::numeric_limits<qint64>::max()); },
         "ffffffffffffff7f");
@@ -94,24 +85,17 @@ void TestAlienBinderParcelWrites::writesExactBytes_data()
         "int64 min", [](P &p) { p.writeInt64(std::numeric_limits<qint64>::min()); },
         "0000000000000080");
 
-    row(
-        "double 1.5", [](P &p) { p.writeDouble(1.5); }, "000000000000f83f");
-    row(
-        "double -0.0", [](P &p) { p.writeDouble(-0.0); }, "0000000000000080");
+    row("double 1.5", [](P &p) { p.writeDouble(1.5); }, "000000000000f83f");
+    row("double -0.0", [](P &p) { p.writeDouble(-0.0); }, "0000000000000080");
     row(
         "double inf", [](P &p) { p.writeDouble(std::numeric_limits<double>::infinity()); },
         "000000000000f07f");
 
-    row(
-        "null string", [](P &p) { p.writeString(QString()); }, "ffffffff");
-    row(
-        "empty string", [](P &p) { p.writeString(QStringLiteral("")); }, "000000000000ffff");
-    row(
-        "string 1", [](P &p) { p.writeString(QStringLiteral("a")); }, "0100000061000000");
-    row(
-        "string 2", [](P &p) { p.writeString(QStringLiteral("ab")); }, "02000000610062000000 0000");
-    row(
-        "string 3", [](P &p) { p.writeString(QStringLiteral("abc")); }, "030000006100620063000000");
+    row("null string", [](P &p) { p.writeString(QString()); }, "ffffffff");
+    row("empty string", [](P &p) { p.writeString(QStringLiteral("")); }, "000000000000ffff");
+    row("string 1", [](P &p) { p.writeString(QStringLiteral("a")); }, "0100000061000000");
+    row("string 2", [](P &p) { p.writeString(QStringLiteral("ab")); }, "02000000610062000000 0000");
+    row("string 3", [](P &p) { p.writeString(QStringLiteral("abc")); }, "030000006100620063000000");
     row(
         "string beyond ASCII", [](P &p) { p.writeString(QStringLiteral(u"\u00e4\u20ac")); },
         "02000000e400ac2000000000");
@@ -128,8 +112,7 @@ void TestAlienBinderParcelWrites::writesExactBytes_data()
         "part of a string", [](P &p) { p.writeString(QStringLiteral("xay").mid(1, 1)); },
         "0100000061000000");
 
-    row(
-        "empty list", [](P &p) { p.writeStringList({}); }, "00000000");
+    row("empty list", [](P &p) { p.writeStringList({}); }, "00000000");
     row(
         "list of one", [](P &p) { p.writeStringList({QStringLiteral("a")}); },
         "010000000100000061000000");
@@ -141,19 +124,14 @@ void TestAlienBinderParcelWrites::writesExactBytes_data()
         },
         "04000000 0100000062000000 ffffffff 000000000000ffff 0100000061000000");
 
-    row(
-        "byte array 1", [](P &p) { p.writeByteArray("a"); }, "0100000061ffffff");
-    row(
-        "byte array 4", [](P &p) { p.writeByteArray("abcd"); }, "0400000061626364");
-    row(
-        "byte array 5", [](P &p) { p.writeByteArray("abcde"); }, "050000006162636465ffffff");
+    row("byte array 1", [](P &p) { p.writeByteArray("a"); }, "0100000061ffffff");
+    row("byte array 4", [](P &p) { p.writeByteArray("abcd"); }, "0400000061626364");
+    row("byte array 5", [](P &p) { p.writeByteArray("abcde"); }, "050000006162636465ffffff");
     row(
         "byte array with null bytes", [](P &p) { p.writeByteArray(QByteArray("\0\0", 2)); },
         "020000000000ffff");
-    row(
-        "empty byte array", [](P &p) { p.writeByteArray(""); }, "ffffffff");
-    row(
-        "null byte array", [](P &p) { p.writeByteArray({}); }, "ffffffff");
+    row("empty byte array", [](P &p) { p.writeByteArray(""); }, "ffffffff");
+    row("null byte array", [](P &p) { p.writeByteArray({}); }, "ffffffff");
 
     row(
         "null local object", [](P &p) { p.writeLocalObject(nullptr); },

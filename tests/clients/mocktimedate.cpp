@@ -16,7 +16,7 @@ const QString timezoneProperty = QStringLiteral("Timezone");
 
 MockTimedate::MockTimedate(const QString &zone)
     : m_bus(QDBusConnection::connectToBus(
-        QDBusConnection::SystemBus, QStringLiteral("mocktimedate-%1").arg(quintptr(this)))),
+          QDBusConnection::SystemBus, QStringLiteral("mocktimedate-%1").arg(quintptr(this)))),
       m_zone(zone)
 {
     // In this order: Qt makes a child of the object when it is registered.

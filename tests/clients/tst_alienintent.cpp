@@ -93,10 +93,10 @@ void targetRows()
     intent.componentClass = QStringLiteral("com.foo.Main");
     row("component", intent, plainHead(),
         closed(body()
-                   .int32(0)
-                   .nullString16()
-                   .string16(intent.componentPackage)
-                   .string16(intent.componentClass)));
+                .int32(0)
+                .nullString16()
+                .string16(intent.componentPackage)
+                .string16(intent.componentClass)));
     intent.componentClass = QString();
     row("component without a class", intent, plainHead(),
         closed(body().int32(0).nullString16().string16(intent.componentPackage).nullString16()));

@@ -149,7 +149,7 @@ void TestBusConnection::withoutABusTheErrorComesFromTheEventLoop()
     QVERIFY(!connection.open());
     Outcome outcome;
     connection.call(busId, {}, longTime, outcome.reply());
-    connection.watch("type='signal'", [](sd_bus_message *) {});
+    connection.watch("type='signal'", [](sd_bus_message *) { });
     QCOMPARE(outcome.answers, 0);
     QTRY_COMPARE_WITH_TIMEOUT(outcome.answers, 1, 5000);
     QCOMPARE(outcome.kind, ClientError::Kind::NoDaemon);
@@ -160,8 +160,7 @@ void TestBusConnection::callThatCannotBeMadeIsAnError()
     const PrivateBus bus(PrivateBus::Kind::System);
     BusConnection connection;
     Outcome outcome;
-    connection.call(
-        busId, [](sd_bus_message *) { return -EINVAL; }, longTime, outcome.reply());
+    connection.call(busId, [](sd_bus_message *) { return -EINVAL; }, longTime, outcome.reply());
     QCOMPARE(outcome.answers, 0);
     QTRY_COMPARE_WITH_TIMEOUT(outcome.answers, 1, 5000);
     QVERIFY(outcome.kind != ClientError::Kind::None);

@@ -125,7 +125,7 @@ void TestLumdClient::init()
     connect(client, &LumdClient::launcherChanged, this,
         [note](Text app, const AndroidLauncher &launcher) {
             note(QStringLiteral("launcher %1 %2 %3 %4")
-                     .arg(app, launcher.desktopFile, launcher.name, launcher.icon));
+                    .arg(app, launcher.desktopFile, launcher.name, launcher.icon));
         });
     connect(client, &LumdClient::launcherGone, this,
         [note](Text app, Text file) { note(QStringLiteral("lost %1 %2").arg(app, file)); });
@@ -275,7 +275,7 @@ void TestLumdClient::stateIsToldWithEachChangeOfIt()
 void TestLumdClient::changeBeforeTheFirstAnswerIsPartOfThat()
 {
     m_lumd->isMute = true;
-    m_client->watch([](const Answer<Nothing> &) {});
+    m_client->watch([](const Answer<Nothing> &) { });
     QTRY_COMPARE_WITH_TIMEOUT(m_lumd->question.member(), QStringLiteral("GetAll"), 10000);
     send(properties, QStringLiteral("PropertiesChanged"),
         {monitor, QVariantMap{{QStringLiteral("PendingChanges"), 9U}}, QStringList()});

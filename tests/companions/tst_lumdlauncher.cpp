@@ -39,7 +39,7 @@ private:
 
 MockDaemon::MockDaemon(const QString &error, int delayMilliseconds)
     : m_bus(QDBusConnection::connectToBus(
-        QDBusConnection::SystemBus, QStringLiteral("mockdaemon-%1").arg(quintptr(this)))),
+          QDBusConnection::SystemBus, QStringLiteral("mockdaemon-%1").arg(quintptr(this)))),
       m_error(error),
       m_delayMilliseconds(delayMilliseconds)
 {

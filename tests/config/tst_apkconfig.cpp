@@ -125,7 +125,7 @@ void TestApkConfig::unknownPathIsNullWithAWarning()
     QVERIFY(config.path(static_cast<SymbolicPath>(value)).isNull());
     QCOMPARE(log.lines(),
         QStringList(QStringLiteral("warning com.tovra.lumd.config Cannot handle symbolic path: %1")
-                        .arg(value)));
+                .arg(value)));
 }
 
 void TestApkConfig::environmentIsReadOnlyAtConstruction()

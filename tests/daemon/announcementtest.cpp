@@ -131,9 +131,9 @@ QStringList identities(const QStringList &files)
         struct stat status = {};
         stat(qPrintable(path), &status);
         identities.append(QStringLiteral("%1 %2.%3")
-                              .arg(status.st_ino)
-                              .arg(status.st_mtim.tv_sec)
-                              .arg(status.st_mtim.tv_nsec));
+                .arg(status.st_ino)
+                .arg(status.st_mtim.tv_sec)
+                .arg(status.st_mtim.tv_nsec));
     }
     return identities;
 }

@@ -224,7 +224,7 @@ GVariant *BusCallGenerator::value(const std::string &type, int depth, GUnixFDLis
             add(g_variant_type_element(form));
     } else {
         for (const GVariantType *member = g_variant_type_first(form); member != nullptr;
-             member = g_variant_type_next(member))
+            member = g_variant_type_next(member))
             add(member);
     }
     return g_variant_builder_end(&builder);

@@ -7,7 +7,7 @@
 
 HomeScreen::HomeScreen(const QString &busAddress, Manner manner)
     : m_bus(QDBusConnection::connectToBus(
-        busAddress, QStringLiteral("homescreen-%1").arg(quintptr(this)))),
+          busAddress, QStringLiteral("homescreen-%1").arg(quintptr(this)))),
       m_manner(manner)
 {
     if (!m_bus.registerObject(

@@ -175,7 +175,7 @@ void TestAppManagement::sizeOfTheDataIsWithoutTheCache()
     const QStringList numbers = result.split(QLatin1Char(' '));
     QTRY_COMPARE(m_world->daemonLines(),
         QStringList{QStringLiteral("debug App size query for \"com.foo\" : %1 , %2 , %3")
-                        .arg(numbers.value(0), numbers.value(1), numbers.value(2))});
+                .arg(numbers.value(0), numbers.value(1), numbers.value(2))});
     const QStringList criticals =
         m_world->daemon->lines().filter(QRegularExpression(QStringLiteral("^critical")));
     QCOMPARE(criticals.join(QLatin1Char('\n')), warning);

@@ -118,7 +118,7 @@ void TestInstallResults::resultReachesTheUserInEnglish()
         QStringList{QStringLiteral("\"Android App Support\" 0 \"icon-s-android\" \"%1\" \"%2\" "
                                    "actions() hints(image-path=icon-s-android:QString "
                                    "transient=true:bool) -1")
-                        .arg(summary, body)});
+                .arg(summary, body)});
 }
 
 void TestInstallResults::languageOfTheUserWins()
@@ -205,7 +205,7 @@ void TestInstallResults::missingServerIsSurvived()
     m_world->userBus.stop();
     const PrivateBus withoutServer(PrivateBus::Kind::User, 1000);
     QVERIFY(m_world->android->transactObject(observer, installed(1, QStringLiteral("com.a")))
-                .delivered);
+            .delivered);
     QVERIFY(DaemonFixture::settle());
     QVERIFY(m_world->daemon->isRunning());
 }
@@ -217,7 +217,7 @@ void TestInstallResults::missingBusIsSurvived()
     QVERIFY(observer != 0);
     for (int i = 0; i < 3; ++i)
         QVERIFY(m_world->android->transactObject(observer, installed(1, QStringLiteral("com.a")))
-                    .delivered);
+                .delivered);
     QVERIFY(DaemonFixture::settle());
     QVERIFY(m_world->daemon->isRunning());
 }

@@ -44,8 +44,7 @@ void TestLaunchIntent::everyArgumentHasItsField_data()
     constexpr qint32 newTaskOnHome = 0x10004000;
     const QString package = QStringLiteral("com.foo");
     const QString className = QStringLiteral("com.foo.Bar");
-    row(
-        "action alone", [](IntentCall &) {}, [](Intent &) {});
+    row("action alone", [](IntentCall &) { }, [](Intent &) { });
     row(
         "no action", [](IntentCall &call) { call.action = empty; },
         [](Intent &intent) { intent.action = empty; });

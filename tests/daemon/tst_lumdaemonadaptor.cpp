@@ -156,8 +156,7 @@ void TestLumDaemonAdaptor::slotCallsItsNamesakeAndHandsBackTheResult_data()
         "getAndroidAppDataUsage",
         [](Adaptor &a) { return QString::number(a.getAndroidAppDataUsage()); }, "",
         QStringLiteral("18446744073709551615"));
-    row(
-        "controlService", [](Adaptor &a) { return a.controlService(true), QString(); }, "true");
+    row("controlService", [](Adaptor &a) { return a.controlService(true), QString(); }, "true");
     row(
         "controlServiceAutostart",
         [](Adaptor &a) { return a.controlServiceAutostart(true), QString(); }, "true");
@@ -176,18 +175,15 @@ void TestLumDaemonAdaptor::slotCallsItsNamesakeAndHandsBackTheResult_data()
     row(
         "clearAppUserData", [=](Adaptor &a) { return a.clearAppUserData(name), QString(); },
         "com.foo");
-    row(
-        "forceStopApp", [=](Adaptor &a) { return a.forceStopApp(name), QString(); }, "com.foo");
+    row("forceStopApp", [=](Adaptor &a) { return a.forceStopApp(name), QString(); }, "com.foo");
     row(
         "getAppSize", [=](Adaptor &a) { return text(a.getAppSize(name)); }, "com.foo",
         QStringLiteral("1 -2 9223372036854775807"));
     row(
         "openAppSettings", [=](Adaptor &a) { return a.openAppSettings(name), QString(); },
         "com.foo");
-    row(
-        "viewLicenses", [](Adaptor &a) { return a.viewLicenses(), QString(); }, "");
-    row(
-        "launchApp", [=](Adaptor &a) { return a.launchApp(name), QString(); }, "com.foo");
+    row("viewLicenses", [](Adaptor &a) { return a.viewLicenses(), QString(); }, "");
+    row("launchApp", [=](Adaptor &a) { return a.launchApp(name), QString(); }, "com.foo");
     row(
         "launchIntent",
         [](Adaptor &a) {

@@ -127,8 +127,8 @@ void TestRemove::packageIsUninstalledInSilence()
     QCOMPARE(requests.first().localObjects.size(), 0);
     QCOMPARE(m_world->daemon->lines().filter(QStringLiteral("Resolved:")),
         name == clockEntry ? QStringList{QStringLiteral(
-            "debug com.tovra.lumd.launcher Resolved: \"%1\" ->  \"com.clock\"")
-                                             .arg(name)}
+                                 "debug com.tovra.lumd.launcher Resolved: \"%1\" ->  \"com.clock\"")
+                                     .arg(name)}
                            : QStringList());
     QCOMPARE(m_world->starts(), 0);
     QCOMPARE(m_world->notifications.texts(), QStringList());

@@ -100,7 +100,7 @@ int __wrap_sd_login_monitor_get_timeout(sd_login_monitor *monitor, uint64_t *tim
 int __wrap_sd_seat_get_active(const char *seat, char **session, uid_t *uid)
 {
     note(QStringLiteral("get_active %1%2")
-             .arg(QLatin1String(seat), session ? QStringLiteral(" session") : QString()));
+            .arg(QLatin1String(seat), session ? QStringLiteral(" session") : QString()));
     scenario->asks += 1;
     if (scenario->asks < scenario->asksUntilActive)
         return -ENODATA;
@@ -115,11 +115,11 @@ int __wrap_poll(pollfd *fds, nfds_t count, int timeout)
     if (!scenario)
         return __real_poll(fds, count, timeout);
     note(QStringLiteral("poll %1 fd %2 events %3 revents %4 timeout %5")
-             .arg(count)
-             .arg(fds->fd)
-             .arg(fds->events)
-             .arg(fds->revents)
-             .arg(timeout));
+            .arg(count)
+            .arg(fds->fd)
+            .arg(fds->events)
+            .arg(fds->revents)
+            .arg(timeout));
     return scenario->pollResult();
 }
 

@@ -35,7 +35,7 @@ AndroidService::Reading askForSizes(const Services &services, int sdk)
 QByteArray stackTrace(const char *interface)
 {
     const QByteArray trace = string16(QStringLiteral("\tat %1$Stub.onTransact(Unknown Source:0)\n")
-                                          .arg(QString::fromLatin1(interface)));
+            .arg(QString::fromLatin1(interface)));
     return word(4 + trace.size()) + trace;
 }
 
@@ -144,8 +144,8 @@ void TestAndroidAnswers::wrongInterfaceIsASecurityException()
     const AndroidService::Reading reading =
         take(services.service(QStringLiteral("alarm")), sdk, "android.app.IOther", 3, text("UTC"));
     QVERIFY(reading.record.value(QStringLiteral("error"))
-                .toString()
-                .startsWith(QLatin1String("interface is \"android.app.IOther\"")));
+            .toString()
+            .startsWith(QLatin1String("interface is \"android.app.IOther\"")));
     const AndroidService::Answer answer = reading.answer();
     QCOMPARE(answer.status, 0);
     QCOMPARE(answer.data.toHex(),
@@ -179,8 +179,8 @@ void TestAndroidAnswers::unknownCodeIsAnsweredWithItsStatus()
     const AndroidService::Reading reading =
         take(services.service(QStringLiteral("alarm")), 29, "android.app.IOther", 99, {});
     QVERIFY(reading.record.value(QStringLiteral("error"))
-                .toString()
-                .startsWith(QLatin1String("code 99 of \"alarm\" is unknown")));
+            .toString()
+            .startsWith(QLatin1String("code 99 of \"alarm\" is unknown")));
     QCOMPARE(reading.answer().status, -74);
 }
 

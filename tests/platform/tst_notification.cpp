@@ -55,7 +55,7 @@ void TestNotification::everyFieldReachesTheServer_data()
     const auto row = [](const char *title, const char *expected, const Fill &fill) {
         QTest::newRow(title) << fill << QString::fromUtf8(expected);
     };
-    row("nothing", "\"\" 0 \"\" \"\" \"\" actions() hints() -1", [](Notification &) {});
+    row("nothing", "\"\" 0 \"\" \"\" \"\" actions() hints() -1", [](Notification &) { });
     row("app name", "\"A\u00e4\" 0 \"\" \"\" \"\" actions() hints() -1",
         [](Notification &n) { n.setAppName(QStringLiteral("A\u00e4")); });
     row("icon", "\"\" 0 \"i\" \"\" \"\" actions() hints(image-path=i:QString) -1",

@@ -101,7 +101,7 @@ struct Offer
 
 /// Makes the offer in a process of its own, after a preparation there. A line of `returns` says
 /// which process came back, the caller or a copy of it, and with what.
-Offer offer(const std::function<void()> &prepare = [] {})
+Offer offer(const std::function<void()> &prepare = [] { })
 {
     int errors[2];
     int returns[2];

@@ -25,7 +25,7 @@ class HesitantSystemd : public QDBusVirtualObject
 public:
     HesitantSystemd()
         : m_bus(QDBusConnection::connectToBus(
-            QDBusConnection::SystemBus, QStringLiteral("hesitant systemd")))
+              QDBusConnection::SystemBus, QStringLiteral("hesitant systemd")))
     {
         m_bus.registerVirtualObject(QStringLiteral("/org/freedesktop/systemd1"), this);
         m_bus.registerService(QStringLiteral("org.freedesktop.systemd1"));

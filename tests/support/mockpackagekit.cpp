@@ -26,7 +26,7 @@ QString textOf(const QVariant &value)
 
 MockPackageKit::MockPackageKit()
     : m_bus(QDBusConnection::connectToBus(
-        QDBusConnection::SystemBus, QStringLiteral("mockpackagekit-%1").arg(quintptr(this))))
+          QDBusConnection::SystemBus, QStringLiteral("mockpackagekit-%1").arg(quintptr(this))))
 {
     // In this order: Qt makes a child of the object when it is registered.
     const bool hasObjects =

@@ -18,8 +18,8 @@ QString textOf(const NotificationServer::Notice &notice)
     QStringList hints;
     for (auto hint = notice.hints.cbegin(); hint != notice.hints.cend(); ++hint)
         hints.append(QStringLiteral("%1=%2:%3")
-                         .arg(hint.key(), valueOf(hint.value()),
-                             QString::fromLatin1(hint.value().typeName())));
+                .arg(hint.key(), valueOf(hint.value()),
+                    QString::fromLatin1(hint.value().typeName())));
     return QStringLiteral("\"%1\" %2 \"%3\" \"%4\" \"%5\" actions(%6) hints(%7) %8")
         .arg(notice.appName, QString::number(notice.replaces), notice.icon, notice.summary,
             notice.body, notice.actions.join(QLatin1Char(' ')), hints.join(QLatin1Char(' ')),
@@ -30,7 +30,7 @@ QString textOf(const NotificationServer::Notice &notice)
 
 NotificationServer::NotificationServer(const QString &busAddress)
     : m_bus(QDBusConnection::connectToBus(
-        busAddress, QStringLiteral("notificationserver-%1").arg(quintptr(this))))
+          busAddress, QStringLiteral("notificationserver-%1").arg(quintptr(this))))
 {
     if (!m_bus.registerObject(
             QStringLiteral("/org/freedesktop/Notifications"), this, QDBusConnection::ExportAllSlots)

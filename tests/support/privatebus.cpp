@@ -37,8 +37,8 @@ PrivateBus::PrivateBus(Kind kind, unsigned int uid)
     if (!configuration.open(QIODevice::WriteOnly))
         qFatal("cannot write %s", qPrintable(configurationPath));
     configuration.write(QString::fromLatin1(Configuration)
-                            .arg(m_address, path + QLatin1String(".policy"))
-                            .toUtf8());
+            .arg(m_address, path + QLatin1String(".policy"))
+            .toUtf8());
     configuration.close();
     m_daemon.start(QStringLiteral("/usr/bin/dbus-daemon"),
         {QStringLiteral("--config-file=") + configurationPath, QStringLiteral("--nofork"),

@@ -94,10 +94,11 @@ QVector<PublishedService> RemoteFakeBinder::published() const
 
 Answer RemoteFakeBinder::transact(const QString &publishedName, const Call &call)
 {
-    return Messages::answerFrom(m_d->perform({{QLatin1String("op"), QLatin1String("transact")},
-                                                 {QLatin1String("name"), publishedName},
-                                                 {QLatin1String("call"), Messages::toJson(call)}})
-                                    .toObject());
+    return Messages::answerFrom(
+        m_d->perform({{QLatin1String("op"), QLatin1String("transact")},
+                         {QLatin1String("name"), publishedName},
+                         {QLatin1String("call"), Messages::toJson(call)}})
+            .toObject());
 }
 
 Answer RemoteFakeBinder::transactObject(quint32 objectId, const Call &call)

@@ -47,7 +47,7 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, UnitFileChange &c
 
 SystemdObject::SystemdObject()
     : bus(QDBusConnection::connectToBus(
-        QDBusConnection::SystemBus, QStringLiteral("mocksystemd-%1").arg(quintptr(this))))
+          QDBusConnection::SystemBus, QStringLiteral("mocksystemd-%1").arg(quintptr(this))))
 {
     qDBusRegisterMetaType<UnitFileChange>();
     qDBusRegisterMetaType<QList<UnitFileChange>>();

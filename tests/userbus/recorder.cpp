@@ -7,7 +7,7 @@
 
 Recorder::Recorder(Manner manner)
     : m_bus(QDBusConnection::connectToBus(qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"),
-        QStringLiteral("recorder-%1").arg(quintptr(this)))),
+          QStringLiteral("recorder-%1").arg(quintptr(this)))),
       m_manner(manner)
 {
     if (!m_bus.registerObject(QStringLiteral("/"), this, QDBusConnection::ExportAllSlots)

@@ -104,12 +104,12 @@ bool RuntimeControl::isLate() const
 
 void RuntimeControl::start()
 {
-    m_service->client().runRuntime(true, m_service->counted<Nothing>(this, [](const auto &) {}));
+    m_service->client().runRuntime(true, m_service->counted<Nothing>(this, [](const auto &) { }));
 }
 
 void RuntimeControl::stop()
 {
-    m_service->client().runRuntime(false, m_service->counted<Nothing>(this, [](const auto &) {}));
+    m_service->client().runRuntime(false, m_service->counted<Nothing>(this, [](const auto &) { }));
 }
 
 void RuntimeControl::setStartOnBoot(bool isWanted)

@@ -21,7 +21,7 @@ void readAbsent(AndroidParcel &request, const char *what)
 
 ActivityService::ActivityService(int sdk, EventLog *log, AppCatalogue *apps, WindowList *windows)
     : AndroidService(
-        QStringLiteral("activity"), QStringLiteral("android.app.IActivityManager"), sdk, log),
+          QStringLiteral("activity"), QStringLiteral("android.app.IActivityManager"), sdk, log),
       m_apps(apps),
       m_windows(windows)
 {

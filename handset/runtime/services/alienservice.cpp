@@ -7,7 +7,7 @@
 AlienService::AlienService(
     int sdk, EventLog *log, PackageInstaller *installer, WindowList *windows, int installAnswer)
     : AndroidService(
-        QStringLiteral("alien"), QStringLiteral("alien.applications.IAlienService"), sdk, log),
+          QStringLiteral("alien"), QStringLiteral("alien.applications.IAlienService"), sdk, log),
       m_installer(installer),
       m_windows(windows),
       m_installAnswer(installAnswer)

@@ -4,8 +4,8 @@
 #include "appcatalogue.h"
 
 DeviceIdleService::DeviceIdleService(int sdk, EventLog *log, AppCatalogue *apps)
-    : AndroidService(
-        QStringLiteral("deviceidle"), QStringLiteral("android.os.IDeviceIdleController"), sdk, log),
+    : AndroidService(QStringLiteral("deviceidle"),
+          QStringLiteral("android.os.IDeviceIdleController"), sdk, log),
       m_apps(apps)
 {
     add("addPowerSaveWhitelistApp", {1, 1, 1},

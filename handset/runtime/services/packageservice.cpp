@@ -6,8 +6,8 @@
 
 PackageService::PackageService(
     int sdk, EventLog *log, AppCatalogue *apps, PackageInstaller *installer)
-    : AndroidService(
-        QStringLiteral("package"), QStringLiteral("android.content.pm.IPackageManager"), sdk, log),
+    : AndroidService(QStringLiteral("package"),
+          QStringLiteral("android.content.pm.IPackageManager"), sdk, log),
       m_apps(apps),
       m_installer(installer)
 {

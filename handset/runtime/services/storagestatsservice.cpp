@@ -5,7 +5,7 @@
 
 StorageStatsService::StorageStatsService(int sdk, EventLog *log, AppCatalogue *apps)
     : AndroidService(QStringLiteral("storagestats"),
-        QStringLiteral("android.app.usage.IStorageStatsManager"), sdk, log),
+          QStringLiteral("android.app.usage.IStorageStatsManager"), sdk, log),
       m_apps(apps)
 {
     add("queryStatsForPackage", {6, 7, 7},

@@ -4,8 +4,8 @@
 #include "windowlist.h"
 
 SurfaceFlingerService::SurfaceFlingerService(int sdk, EventLog *log, WindowList *windows)
-    : AndroidService(
-        QStringLiteral("SurfaceFlinger"), QStringLiteral("android.ui.ISurfaceComposer"), sdk, log),
+    : AndroidService(QStringLiteral("SurfaceFlinger"),
+          QStringLiteral("android.ui.ISurfaceComposer"), sdk, log),
       m_windows(windows)
 {
     add("hasWindow", {103, 103, 103},

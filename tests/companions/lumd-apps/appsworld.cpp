@@ -224,8 +224,8 @@ bool AppsWorld::announceMany(int count)
             QStringLiteral("App %1").arg(i, 3, 10, QLatin1Char('0')), QStringLiteral("1"),
             QByteArrayLiteral("no picture")};
         if (!m_world.android
-                 ->transact(launcherService, announcement(launcherAdded, launcher.payload()))
-                 .delivered)
+                ->transact(launcherService, announcement(launcherAdded, launcher.payload()))
+                .delivered)
             return false;
     }
     return true;

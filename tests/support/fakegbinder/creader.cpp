@@ -26,8 +26,7 @@ void noteError(const ReaderState &state, const char *what)
 {
     World &world = World::instance();
     const std::lock_guard<std::mutex> lock(world.mutex);
-    world.error(
-        QStringLiteral("reader of %1 %2: %3")
+    world.error(QStringLiteral("reader of %1 %2: %3")
             .arg(kindName(state.message->kind), state.message->label, QString::fromLatin1(what)));
 }
 

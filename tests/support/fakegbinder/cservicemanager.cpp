@@ -117,8 +117,8 @@ gulong gbinder_servicemanager_add_registration_handler(GBinderServiceManager *sm
     const gulong id = world.nextHandlerId++;
     world.registrationHandlers.insert(id, {sm, name, func, user_data});
     world.note(QStringLiteral("servicemanager_add_registration_handler %1 %2")
-                   .arg(QString::fromUtf8(name))
-                   .arg(id));
+            .arg(QString::fromUtf8(name))
+            .arg(id));
     return id;
 }
 

@@ -21,7 +21,7 @@ Message *messageOf(World &world, const GBinderWriter *writer, const char *functi
     auto *message = static_cast<Message *>(const_cast<void *>(writer->d[0]));
     if (message && !message->isUsable()) {
         world.error(QStringLiteral("%1 %2: released before")
-                        .arg(QString::fromLatin1(function), message->label));
+                .arg(QString::fromLatin1(function), message->label));
         return nullptr;
     }
     return message;

@@ -211,10 +211,10 @@ QStringList leaks()
                 : QStringLiteral("%1 %2").arg(line).arg(handle->references));
     }
     for (auto it = world.registrationHandlers.cbegin(); it != world.registrationHandlers.cend();
-         ++it)
+        ++it)
         list.append(QStringLiteral("registration_handler %1 %2")
-                        .arg(QString::fromUtf8(it->name))
-                        .arg(it.key()));
+                .arg(QString::fromUtf8(it->name))
+                .arg(it.key()));
     for (auto it = world.deathHandlers.cbegin(); it != world.deathHandlers.cend(); ++it)
         list.append(QStringLiteral("death_handler %1 %2").arg(it->object->label).arg(it.key()));
     return list;

@@ -26,11 +26,11 @@ struct Calls
         GBinderReader reader;
         gbinder_remote_request_init_reader(request, &reader);
         self->seen.append(QStringLiteral("code %1 flags %2 status %3 %4 payload %5")
-                              .arg(code)
-                              .arg(flags)
-                              .arg(*status)
-                              .arg(QString::fromUtf8(gbinder_remote_request_interface(request)))
-                              .arg(gbinder_reader_bytes_remaining(&reader)));
+                .arg(code)
+                .arg(flags)
+                .arg(*status)
+                .arg(QString::fromUtf8(gbinder_remote_request_interface(request)))
+                .arg(gbinder_reader_bytes_remaining(&reader)));
         *status = self->status;
         if (self->reply.isNull())
             return nullptr;

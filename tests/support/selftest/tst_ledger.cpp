@@ -42,11 +42,11 @@ void TestLedger::aWholeLifeIsRecordedInOrder()
     FakeBinder::registerService(Alien);
     GBinderServiceManager *manager = gbinder_servicemanager_new(Device);
     const gulong registration = gbinder_servicemanager_add_registration_handler(
-        manager, "alien", [](GBinderServiceManager *, const char *, void *) {}, nullptr);
+        manager, "alien", [](GBinderServiceManager *, const char *, void *) { }, nullptr);
     GBinderRemoteObject *remote = gbinder_remote_object_ref(
         gbinder_servicemanager_get_service_sync(manager, "alien", nullptr));
     const gulong death = gbinder_remote_object_add_death_handler(
-        remote, [](GBinderRemoteObject *, void *) {}, nullptr);
+        remote, [](GBinderRemoteObject *, void *) { }, nullptr);
     GBinderClient *client = gbinder_client_new(remote, "a.IAlien");
     gbinder_servicemanager_remove_handler(manager, registration);
     GBinderLocalRequest *request = gbinder_client_new_request(client);
@@ -136,12 +136,11 @@ void TestLedger::whatLivesOnIsALeak()
     FakeBinder::registerService(Alien);
     GBinderServiceManager *manager = gbinder_servicemanager_new(Device);
     gbinder_servicemanager_add_registration_handler(
-        manager, "alien", [](GBinderServiceManager *, const char *, void *) {}, nullptr);
+        manager, "alien", [](GBinderServiceManager *, const char *, void *) { }, nullptr);
     GBinderRemoteObject *remote =
         gbinder_servicemanager_get_service_sync(manager, "alien", nullptr);
     gbinder_remote_object_ref(gbinder_remote_object_ref(remote));
-    gbinder_remote_object_add_death_handler(
-        remote, [](GBinderRemoteObject *, void *) {}, nullptr);
+    gbinder_remote_object_add_death_handler(remote, [](GBinderRemoteObject *, void *) { }, nullptr);
     gbinder_client_new(remote, "a.IAlien");
     QCOMPARE(FakeBinder::leaks(),
         texts({"remote_object alien 2", "servicemanager /dev/puddlejumper", "client alien",
@@ -237,7 +236,7 @@ void TestLedger::removingAHandlerTwiceIsAnError()
 {
     GBinderServiceManager *manager = gbinder_servicemanager_new(Device);
     const gulong id = gbinder_servicemanager_add_registration_handler(
-        manager, "alien", [](GBinderServiceManager *, const char *, void *) {}, nullptr);
+        manager, "alien", [](GBinderServiceManager *, const char *, void *) { }, nullptr);
     gbinder_servicemanager_remove_handler(manager, id);
     gbinder_servicemanager_remove_handler(manager, 0);
     QCOMPARE(FakeBinder::errors(), QStringList());
@@ -252,7 +251,7 @@ void TestLedger::registrationAndDeathHandlersAreNotMixedUp()
     GBinderRemoteObject *remote =
         gbinder_servicemanager_get_service_sync(manager, "alien", nullptr);
     const gulong id = gbinder_remote_object_add_death_handler(
-        remote, [](GBinderRemoteObject *, void *) {}, nullptr);
+        remote, [](GBinderRemoteObject *, void *) { }, nullptr);
     gbinder_servicemanager_remove_handler(manager, id);
     QCOMPARE(FakeBinder::errors(), texts({"servicemanager_remove_handler 1: no such handler"}));
     QCOMPARE(FakeBinder::leaks().last(), QStringLiteral("death_handler alien 1"));

@@ -36,8 +36,8 @@ void TestParity::fakeAndRealLibraryDoTheSame()
     QVERIFY(configuration.open(QIODevice::WriteOnly | QIODevice::Truncate));
     configuration.write(QStringLiteral("[Protocol]\n/dev/puddlejumper = %1\n"
                                        "[ServiceManager]\n/dev/puddlejumper = %1\n")
-                            .arg(protocol)
-                            .toUtf8());
+            .arg(protocol)
+            .toUtf8());
     configuration.close();
     const QStringList real = run(QStringLiteral(PARITY_WITH_REAL), protocol);
     const QStringList fake = run(QStringLiteral(PARITY_WITH_FAKE), protocol);

@@ -152,7 +152,7 @@ void Parity::write()
 {
     using Writer = GBinderWriter *;
     const gunichar2 text[] = {'x', 0xe9, 0xd800, 0};
-    written("nothing", [](Writer) {});
+    written("nothing", [](Writer) { });
     written("bool", [](Writer w) {
         gbinder_writer_append_bool(w, TRUE);
         gbinder_writer_append_bool(w, 5);
