@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "companions/lumd-apps/appsmodule.h"
 
-#include <QtQml>
+#include <qqml.h>
 
 AppsModule::AppsModule()
 {
