@@ -101,7 +101,7 @@ void LumDaemon::claimBus()
 
 QDir LumDaemon::incomingDir() const
 {
-    QDir dir(m_config->path(IncomingDir));
+    const QDir dir(m_config->path(IncomingDir));
     if (!dir.exists() && !dir.mkpath(QStringLiteral(".")))
         qCWarning(daemonLog) << "Cannot create incoming apk directory:" << dir.path();
 

@@ -68,7 +68,7 @@ int main(int argc, char *argv[])
     const QByteArray busAddressBytes = busAddress.toUtf8();
     setenv("DBUS_SESSION_BUS_ADDRESS", busAddressBytes.constData(), 1);
 
-    QCoreApplication application(argc, argv);
+    const QCoreApplication application(argc, argv);
     if (!servesGlib()) {
         qCCritical(daemonLog) << "The event loop does not serve glib, exiting.";
         return NoGlib;

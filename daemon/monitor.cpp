@@ -71,7 +71,7 @@ int sizeOnBus(const ListedLauncher &launcher)
 
 } // namespace
 
-QDBusArgument &operator<<(QDBusArgument &argument, const ListedLauncher &launcher)
+static QDBusArgument &operator<<(QDBusArgument &argument, const ListedLauncher &launcher)
 {
     argument.beginStructure();
     argument << launcher.desktopFile << launcher.name << launcher.icon << launcher.version
@@ -80,7 +80,7 @@ QDBusArgument &operator<<(QDBusArgument &argument, const ListedLauncher &launche
     return argument;
 }
 
-const QDBusArgument &operator>>(const QDBusArgument &argument, ListedLauncher &launcher)
+static const QDBusArgument &operator>>(const QDBusArgument &argument, ListedLauncher &launcher)
 {
     argument.beginStructure();
     argument >> launcher.desktopFile >> launcher.name >> launcher.icon >> launcher.version

@@ -41,7 +41,8 @@ void WindowWait::start(const QString &package)
     m_package = package;
     m_attempts = 0;
     m_deadline.start();
-    m_surfaceFlinger.emplace("SurfaceFlinger", "android.ui.ISurfaceComposer", false, nullptr);
+    m_surfaceFlinger = std::make_unique<AlienBinderConnection>(
+        "SurfaceFlinger", "android.ui.ISurfaceComposer", false, nullptr);
     ask();
 }
 

@@ -8,7 +8,6 @@
 #include <QTimer>
 
 #include <memory>
-#include <optional>
 
 class AlienBinderTransaction;
 
@@ -50,6 +49,6 @@ private:
     QTimer m_pause;
     QTimer m_deadline;
     std::shared_ptr<void> m_unanswered; // has one more owner for each call that is not answered
-    std::optional<AlienBinderConnection> m_surfaceFlinger; // only in a wait
+    std::unique_ptr<AlienBinderConnection> m_surfaceFlinger; // only in a wait
     AlienBinderTransaction *m_question = nullptr; // the latest, a child of the connection
 };

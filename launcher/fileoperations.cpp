@@ -83,12 +83,11 @@ struct Found
 std::optional<Found> matchAscii(
     std::string_view name, QLatin1String folder, QLatin1String prefix, QLatin1String suffix)
 {
-    if (name.size() < static_cast<uint>(prefix.size()) + static_cast<uint>(suffix.size())
-        || qstrnicmp(name.data(), prefix.data(), static_cast<uint>(prefix.size())) != 0
-        || qstricmp(name.data() + name.size() - suffix.size(), suffix.data()) != 0)
+    const QLatin1String text(name.data(), static_cast<int>(name.size()));
+    if (text.size() < prefix.size() + suffix.size() || !text.startsWith(prefix, Qt::CaseInsensitive)
+        || !text.endsWith(suffix, Qt::CaseInsensitive))
         return {};
-    Found found{
-        std::string(name), folder % QLatin1String(name.data(), static_cast<int>(name.size()))};
+    Found found{std::string(name), folder % text};
     for (char &byte : found.sortKey) {
         if (byte >= 'A' && byte <= 'Z')
             byte = static_cast<char>(byte - 'A' + 'a');

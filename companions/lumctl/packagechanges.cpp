@@ -110,7 +110,7 @@ void PackageChanges::onQueued(const QString &kind, const QString &what)
 
 void PackageChanges::note(ExitCode code, const char *result, const QString &text)
 {
-    QJsonObject document = {{QStringLiteral("request"), m_what},
+    const QJsonObject document = {{QStringLiteral("request"), m_what},
         {QStringLiteral("result"), QLatin1String(result)}, {QStringLiteral("package"), m_package},
         {QStringLiteral("message"), m_message}};
     m_results.append(document);
