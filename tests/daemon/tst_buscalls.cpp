@@ -171,9 +171,10 @@ void TestBusCalls::daemonComesThroughThemAll()
     constexpr int phase = 100;
     m_generator = std::make_unique<BusCallGenerator>(seed, files());
     makeServices();
-    // What was freed is not to be kept back for long.
+    // What was freed is not to be kept back for long, nor each place that it came from.
     m_world->daemon->setEnvironment(QStringLiteral("ASAN_OPTIONS"),
-        qEnvironmentVariable("ASAN_OPTIONS") + QStringLiteral(":quarantine_size_mb=1"));
+        qEnvironmentVariable("ASAN_OPTIONS")
+            + QStringLiteral(":quarantine_size_mb=1:malloc_context_size=1"));
     QVERIFY(m_world->start());
     Holdings first;
     for (int sent = 0; sent < callCount(); sent += 2 * phase) {
