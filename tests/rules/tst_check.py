@@ -9,8 +9,8 @@ import unittest
 
 from tree import CHECKOUT, LICENCE, TreeTest, source
 
-GOOD = source('static int three()', '{', '    return 3;', '}')
-UGLY = source('static int three() { return   3; }')
+GOOD = source('using Three = int;')
+UGLY = source('using Three =   int;')
 # Both Qt and the standard library refuse: a temporary's data, and 0 for a pointer.
 DANGLING = source(
     '#include <QString>', '', 'const char *name(const QString &text)', '{',
