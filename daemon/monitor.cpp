@@ -71,7 +71,7 @@ int sizeOnBus(const ListedLauncher &launcher)
 
 } // namespace
 
-static QDBusArgument &operator<<(QDBusArgument &argument, const ListedLauncher &launcher)
+QDBusArgument &operator<<(QDBusArgument &argument, const ListedLauncher &launcher)
 {
     argument.beginStructure();
     argument << launcher.desktopFile << launcher.name << launcher.icon << launcher.version
@@ -80,7 +80,7 @@ static QDBusArgument &operator<<(QDBusArgument &argument, const ListedLauncher &
     return argument;
 }
 
-static const QDBusArgument &operator>>(const QDBusArgument &argument, ListedLauncher &launcher)
+const QDBusArgument &operator>>(const QDBusArgument &argument, ListedLauncher &launcher)
 {
     argument.beginStructure();
     argument >> launcher.desktopFile >> launcher.name >> launcher.icon >> launcher.version

@@ -12,6 +12,7 @@
 #include <optional>
 
 class DesktopManager;
+class QDBusArgument;
 
 /// A launcher as Monitor1 lists it.
 struct ListedLauncher
@@ -22,6 +23,9 @@ struct ListedLauncher
     QString version;
     bool hidden = false;
 };
+
+QDBusArgument &operator<<(QDBusArgument &argument, const ListedLauncher &launcher);
+const QDBusArgument &operator>>(const QDBusArgument &argument, ListedLauncher &launcher);
 
 /// By package.
 using ListedApps = QMap<QString, QVector<ListedLauncher>>;
