@@ -34,11 +34,11 @@ PACKAGES = """
     systemd systemd-sysv udev
 """.split()
 
-# What the handset has no use for, and what would be made of it: the kernel's modules are but for a
-# few; a hardware database and file types are compiled.
+# What the handset has no use for: the kernel's modules but for a few, and data of hardware, which would
+# be compiled.
 EXCLUDED = """
-    /usr/share/doc/* /usr/share/man/* /usr/share/locale/* /usr/share/mime/packages/*
-    /usr/lib/udev/hwdb.d/* /usr/lib/modules/*/kernel/*
+    /usr/share/doc/* /usr/share/man/* /usr/share/locale/* /usr/lib/udev/hwdb.d/*
+    /usr/lib/modules/*/kernel/*
 """.split()
 INCLUDED = [f"/usr/lib/modules/*/kernel/{path}*" for path in """
     crypto/crc32c drivers/android/ drivers/block/virtio_blk drivers/char/hw_random/
