@@ -83,14 +83,15 @@ class Packages(AppScenario):
         self.wait_files(apps.MAPS.files(), apps.NOTES.files())
 
     def test_anUpgradeTellsWhoWaitsThatItsRequestIsLost(self):
-        self.device.configure_runtime(readyDelay=60000)
+        self.in_packages(MAKE_NEWER)
+        # systemd gives up on a start after 90 s.
+        self.device.configure_runtime(readyDelay=80000)
         path = self.put_apk(apps.NOTES)
         self.device.machine.shell(
             f"rm -f {WAITED}; systemd-run --quiet --collect --service-type=exec "
             f"sh -c 'lumctl install {path} > {WAITED} 2>&1; echo $? >> {WAITED}'")
         self.addCleanup(self.device.machine.run, "rm", "-f", WAITED)
         self.device.wait(lambda: "waits until" in self.waited(), "lumctl waits")
-        self.in_packages(MAKE_NEWER)
         self.apt("install", "./newer.deb")
         self.device.wait(lambda: self.waited().endswith("\n3\n"), "lumctl ends with code 3")
         self.assertEqual(self.waited(), "\n".join((
