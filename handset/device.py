@@ -328,10 +328,13 @@ class Device:
         """Waits until the condition holds, and gives what it gave; one that never does is an
         error."""
         deadline = time.monotonic() + PATIENCE
+        # A look takes the handset's processor from what is waited for: less and less often.
+        pause = 0.2
         while not (found := condition()):
             if time.monotonic() > deadline:
                 raise HandsetError(f"waited {PATIENCE} s in vain: {what}")
-            time.sleep(0.2)
+            time.sleep(pause)
+            pause = min(1.5 * pause, 1)
         return found
 
 
