@@ -53,14 +53,14 @@ struct Sample
 };
 
 // What a count of a million logs, counted instead of recorded.
-int warnings = 0;
+int expectedWarnings = 0;
 int otherMessages = 0;
 
 void countMessage(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
     const bool isExpected = type == QtWarningMsg && text == QLatin1String("Bundle too big")
         && qstrcmp(context.category, "com.tovra.lumd.parcel") == 0;
-    ++(isExpected ? warnings : otherMessages);
+    ++(isExpected ? expectedWarnings : otherMessages);
 }
 
 } // namespace
@@ -191,7 +191,7 @@ void TestAlienBinderParcelBundleDamage::countIsRunInFullWhateverTheDataHolds()
     qInstallMessageHandler(previous);
 
     QCOMPARE(bundle, QVariantMap({{a, 5}, {b, true}, {QString(), QVariant()}}));
-    QCOMPARE(warnings, count - 2);
+    QCOMPARE(expectedWarnings, count - 2);
     QCOMPARE(otherMessages, 0);
 }
 

@@ -291,8 +291,8 @@ void TestLumDaemonAdaptor::signalIsRelayed()
 
 void TestLumDaemonAdaptor::interfaceTextIsTheOneOnRecord()
 {
-    const QMetaObject &meta = LumDaemonAdaptor::staticMetaObject;
-    const auto info = [&meta](const char *name) {
+    const auto info = [](const char *name) {
+        const QMetaObject &meta = LumDaemonAdaptor::staticMetaObject;
         return QByteArray(meta.classInfo(meta.indexOfClassInfo(name)).value());
     };
     QCOMPARE(info("D-Bus Interface"), QByteArray("com.tovra.lumd"));

@@ -10,6 +10,8 @@
 
 using FakeBinder::ParcelWriter;
 
+Q_DECLARE_METATYPE(FakeBinder::Call)
+
 namespace {
 
 const QString packageService = QStringLiteral("package");
@@ -376,6 +378,5 @@ void TestMonitor::silentInstallHasNoResult()
     QCOMPARE(m_recorder->signalTexts().filter(QStringLiteral("Install")), QStringList());
 }
 
-Q_DECLARE_METATYPE(FakeBinder::Call)
 LUM_TEST_MAIN(TestMonitor)
 #include "tst_monitor.moc"

@@ -9,6 +9,8 @@
 
 using FakeBinder::ParcelWriter;
 
+Q_DECLARE_METATYPE(FakeBinder::Reply)
+
 namespace {
 
 QString changed(const Launcher &launcher)
@@ -337,6 +339,5 @@ void TestMonitorLaunchers::listIsAsLongAsTheBusCarries()
     QVERIFY(isOnBus(QStringLiteral("com.tovra.lumd")));
 }
 
-Q_DECLARE_METATYPE(FakeBinder::Reply)
 LUM_TEST_MAIN(TestMonitorLaunchers)
 #include "tst_monitorlaunchers.moc"

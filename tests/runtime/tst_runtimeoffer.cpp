@@ -18,6 +18,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <functional>
@@ -99,6 +100,17 @@ struct Offer
     QByteArray returns; ///< a line for each return from the function, in no order
 };
 
+/// The lines but for those in which a measured process says that its user may not write the counts.
+QByteArray messages(const QByteArray &errors)
+{
+    QByteArrayList lines = errors.split('\n');
+    const auto isOfMeasurement = [](const QByteArray &line) {
+        return line.startsWith("profiling: ");
+    };
+    lines.erase(std::remove_if(lines.begin(), lines.end(), isOfMeasurement), lines.end());
+    return lines.join('\n');
+}
+
 /// Makes the offer in a process of its own, after a preparation there. A line of `returns` says
 /// which process came back, the caller or a copy of it, and with what.
 Offer offer(const std::function<void()> &prepare = [] { })
@@ -130,7 +142,7 @@ Offer offer(const std::function<void()> &prepare = [] { })
     QFile returnPipe;
     if (errorPipe.open(errors[0], QIODevice::ReadOnly, QFile::AutoCloseHandle)
         && returnPipe.open(returns[0], QIODevice::ReadOnly, QFile::AutoCloseHandle)) {
-        outcome.errors = errorPipe.readAll();
+        outcome.errors = messages(errorPipe.readAll());
         outcome.returns = returnPipe.readAll();
     }
     waitpid(subject, nullptr, 0);
