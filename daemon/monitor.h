@@ -14,7 +14,7 @@
 class DesktopManager;
 class QDBusArgument;
 
-/// A launcher as Monitor1 lists it.
+/// A launcher as Monitor1 lists it. Travels over D-Bus as (ssssb), in this order.
 struct ListedLauncher
 {
     QString desktopFile;

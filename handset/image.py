@@ -34,8 +34,8 @@ PACKAGES = """
     systemd systemd-sysv udev
 """.split()
 
-# What the handset has no use for: the kernel's modules but for a few, and data of hardware, which would
-# be compiled.
+# What the handset has no use for: documentation, data of hardware, which would be compiled, and the
+# kernel's modules but for those from which configure-rootfs chooses.
 EXCLUDED = """
     /usr/share/doc/* /usr/share/man/* /usr/share/locale/* /usr/lib/udev/hwdb.d/*
     /usr/lib/modules/*/kernel/*
@@ -90,6 +90,8 @@ def input_hash(architecture):
     """The hash of everything that decides what the image holds."""
     digest = hashlib.sha256(inspect.getsource(debianroot.bootstrap).encode())
     digest.update(architecture.encode())
+    if architecture != buildroot.native():
+        digest.update(pathlib.Path(emulation.__file__).read_bytes())
     inputs = [HERE / name for name in ("image.py", "configure-rootfs", "initrd-init")]
     inputs += sorted(path for path in (HERE / "rootfs").rglob("*") if path.is_file())
     for path in inputs:

@@ -6,7 +6,7 @@
 For another architecture than this machine's they are cross-built. The packages must please
 lintian. --check builds them a second time, in a folder of another name, and fails unless both
 have the same bytes. The first run installs a root with all that the build takes, a few minutes;
-it is kept in .cache/package until debian/control or this tool changes.
+it is kept in .cache/package until debian/control or what goes into it changes.
 """
 
 import argparse

@@ -9,7 +9,7 @@ import debianroot
 BINFMT = pathlib.Path('/proc/sys/fs/binfmt_misc')
 INTERPRETERS = {'arm64': 'qemu-aarch64'}
 
-# Any processor but this would authenticate each return address, with a cipher that is emulated too.
+# QEMU's own choice would authenticate each return address, with a cipher that is emulated too.
 ENVIRONMENT = {'QEMU_CPU': 'cortex-a72'}
 
 # Most of what an installation computes is unpacked by dpkg-deb, which is the same for every
@@ -19,9 +19,10 @@ set -e
 mkdir "$1/native"
 cp --dereference /usr/bin/dpkg-deb $(ldd /usr/bin/dpkg-deb | grep -o "/[^ ]*") "$1/native"
 dpkg-divert --quiet --root="$1" --local --rename --add /usr/bin/dpkg-deb
+loader=$(basename "$(ldd /usr/bin/dpkg-deb | grep -o "/[^ ]*/ld-[^ ]*")")
 cat > "$1/usr/bin/dpkg-deb" <<END
 #!/bin/sh
-exec /native/$(basename "$(ldd /usr/bin/dpkg-deb | grep -o "/[^ ]*/ld-[^ ]*")") --library-path /native /native/dpkg-deb "\$@"
+exec /native/$loader --library-path /native /native/dpkg-deb "\$@"
 END
 chmod 755 "$1/usr/bin/dpkg-deb"
 '''

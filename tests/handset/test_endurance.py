@@ -70,8 +70,7 @@ class Endurance(AppScenario):
         last = f"round.n{ROUNDS}.app"
         installed = apps.App(last, "1", (apps.Launcher(f"{last}.Main", last, ICON),))
         expected = {**apps.MAPS.files(), **installed.files()}
-        self.device.wait(lambda: sorted(self.device.files()) == sorted(expected),
-                         "there are the files of the apps that are there")
+        self.wait_files(expected)
         self.assert_files(expected)
         told = [line["summary"] for line in self.session.notifications()
                 if line["summary"].startswith("App installed")]

@@ -31,13 +31,18 @@ class CheckTest(TreeTest):
         self.write_config(GOOD)
 
     def write_config(self, text):
-        """The one source of the tree, with the command that compiles it."""
+        """The one source that is compiled, and its command."""
         self.write('config/names.cpp', text)
+        self.write_commands('config/names.cpp')
+
+    def write_commands(self, *sources):
+        """The commands that compile the sources, each with a definition of its own."""
         flags = subprocess.run(['pkg-config', '--cflags', 'Qt5Core'],
                                capture_output=True, text=True, check=True).stdout.strip()
         self.write('build/dev/compile_commands.json', json.dumps([{
-            'directory': str(self.root), 'file': 'config/names.cpp',
-            'command': f'g++ -std=c++17 -fPIC {flags} -c config/names.cpp'}]))
+            'directory': str(self.root), 'file': path,
+            'command': f'g++ -std=c++17 -fPIC {flags} -DSOURCE_{index} -c {path}'}
+            for index, path in enumerate(sources)]))
 
     def check(self, *arguments):
         done = self.run_in_tree('tools/check', *arguments)
@@ -75,6 +80,23 @@ class CheckTest(TreeTest):
     def testTidyReadsProductionCodeAlone(self):
         self.write('tests/config/tst_names.cpp', OLD)
         self.assertEqual(self.check('tidy'), (0, ['tidy: clean']))
+
+    def testTidyTellsOfEachSourceByItsOwnLines(self):
+        self.write('config/zero.cpp', source('#ifdef SOURCE_1', *OLD.splitlines()[1:], '#endif'))
+        self.write_commands('config/names.cpp', 'config/zero.cpp')
+        self.assert_finds('tidy', 'config/zero.cpp:5:12: error:')
+
+    def testTidyReadsEachFolderByItself(self):
+        paths = ('config/names.cpp', 'daemon/main.cpp', 'companions/a/main.cpp',
+                 'companions/b/main.cpp')
+        for path in paths:
+            self.write(path, source('int main() { }'))
+        self.write_commands(*paths)
+        self.assertEqual(self.check('tidy'), (0, ['tidy: clean']))
+
+    def testSourceThatNothingCompilesIsAFinding(self):
+        self.write('config/zero.cpp', OLD)
+        self.assert_finds('tidy', 'config/zero.cpp: no target compiles it')
 
     def testClazyRefusesDanglingData(self):
         self.write_config(DANGLING)
