@@ -84,6 +84,8 @@ private Q_SLOTS:
     void uidIsTheWordBehindTheException_data();
     void uidIsTheWordBehindTheException();
     void uidHasOneCodeOnEveryLevel();
+    void deleteIsTakenUnlessRefused_data();
+    void deleteIsTakenUnlessRefused();
     void failuresAreNotNoticed_data();
     void failuresAreNotNoticed();
     void nothingIsSentWithoutALink();
@@ -209,6 +211,32 @@ void TestAlienPackageManager::uidHasOneCodeOnEveryLevel()
     QCOMPARE(takeCalls(), QStringList(packageCall(5, body().string16(app).int32(0).int32(0))));
 }
 
+void TestAlienPackageManager::deleteIsTakenUnlessRefused_data()
+{
+    QTest::addColumn<Reply>("reply");
+    QTest::addColumn<bool>("isTaken");
+    const QByteArray noException = ParcelWriter().int32(0).bytes();
+    QTest::newRow("no exception") << Reply::data(noException) << true;
+    QTest::newRow("empty") << Reply::data({}) << true;
+    QTest::newRow("exception") << Reply::data(ParcelWriter().int32(-1).bytes()) << false;
+    QTest::newRow("positive exception") << Reply::data(ParcelWriter().int32(3).bytes()) << false;
+    QTest::newRow("failed") << Reply::failure(-32) << false;
+    QTest::newRow("failed and yet no exception") << Reply::failureWith(-5, noException) << false;
+    QTest::newRow("not answered") << Reply::none() << false;
+}
+
+void TestAlienPackageManager::deleteIsTakenUnlessRefused()
+{
+    QFETCH(Reply, reply);
+    QFETCH(bool, isTaken);
+    QVERIFY(installRuntime(27));
+    FakeBinder::registerService(package, [&reply](const FakeBinder::Request &) { return reply; });
+    QVERIFY(m_unit->become(active));
+    AlienPackageManager manager(nullptr);
+    QCOMPARE(manager.deletePackage(app, reported), isTaken);
+    QVERIFY(m_unit->become(deactivating));
+}
+
 void TestAlienPackageManager::failuresAreNotNoticed_data()
 {
     QTest::addColumn<Reply>("reply");
@@ -243,7 +271,7 @@ void TestAlienPackageManager::nothingIsSentWithoutALink()
     QSignalSpy uninstalled(&manager, &AlienPackageManager::uninstallationResultReceived);
     LogCapture log;
     manager.installPackage(path, reported);
-    manager.deletePackage(app, reported);
+    QVERIFY(!manager.deletePackage(app, reported));
     manager.deleteApplicationCacheFiles(app);
     manager.clearApplicationUserData(app);
     QCOMPARE(manager.packageUid(app, 0), -1);

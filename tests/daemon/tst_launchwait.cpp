@@ -265,6 +265,15 @@ void TestLaunchWait::daemonEndsInAWait()
     m_world->android->quitDaemon();
     QVERIFY(m_world->daemon->waitForExit());
     QCOMPARE(m_world->daemon->exitCode(), 0);
+    // With a call that is out the process does not end by itself, and yet behind the daemon.
+    const QRegularExpression links(QStringLiteral("Destroying \\w+ connection$"));
+    QCOMPARE(m_world->daemon->lines().filter(links),
+        QStringList(waitEnded) << texts(
+            {"debug com.tovra.lumd.binder Destroying deviceidle connection",
+                "debug com.tovra.lumd.binder Destroying alarm connection",
+                "debug com.tovra.lumd.binder Destroying storagestats connection",
+                "debug com.tovra.lumd.binder Destroying activity connection",
+                "debug com.tovra.lumd.binder Destroying package connection"}));
 }
 
 LUM_TEST_MAIN(TestLaunchWait)

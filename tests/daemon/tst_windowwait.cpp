@@ -94,6 +94,7 @@ private Q_SLOTS:
     void attemptsGoOnUntilThereIsAWindow();
     void unreachableServiceIsTriedTenTimes_data();
     void unreachableServiceIsTriedTenTimes();
+    void callThatCannotBeMadeIsTriedTenTimes();
     void eachWaitHasAConnectionOfItsOwn();
     void lateAnswerIsNotTakenForThatOfTheNextWait();
     void serviceThatOwesFourAnswersIsNotAsked();
@@ -143,6 +144,8 @@ void TestWindowWait::attemptsGoOnUntilThereIsAWindow_data()
         << Replies{Reply::after(1000, yes)} << 1 << QStringList() << 1000;
     QTest::newRow("never, a second for each no")
         << Replies{Reply::after(1000, no)} << 4 << times(3, notFound) << longestWait;
+    QTest::newRow("never, and a pause at the end")
+        << Replies{Reply::after(800, no)} << 4 << times(4, notFound) << longestWait;
     QTest::newRow("yes, but too late")
         << Replies{Reply::after(5001, yes)} << 1 << QStringList() << longestWait;
     QTest::newRow("no answer") << Replies{Reply::never()} << 1 << QStringList() << longestWait;
@@ -202,6 +205,21 @@ void TestWindowWait::unreachableServiceIsTriedTenTimes()
     QCOMPARE(measure(wait), longestWait);
     QCOMPARE(FakeBinder::ledger().count(attempt), 10);
     QCOMPARE(FakeBinder::ledger().filter(QStringLiteral("client_new_request")), QStringList());
+}
+
+void TestWindowWait::callThatCannotBeMadeIsTriedTenTimes()
+{
+    const QString noRequest =
+        QStringLiteral("warning com.tovra.lumd.binder Cannot create input parcel. Returning empty");
+    FakeBinder::registerService(surfaceFlinger);
+    FakeBinder::failRequests();
+    WindowWait wait;
+    const LogCapture log;
+    QCOMPARE(measure(wait), longestWait);
+    QCOMPARE(
+        FakeBinder::ledger().count(QStringLiteral("client_new_request SurfaceFlinger failed")), 10);
+    QCOMPARE(log.lines().filter(QStringLiteral("warning ")), times(10, noRequest));
+    QVERIFY(!wait.hasUnansweredCall());
 }
 
 void TestWindowWait::eachWaitHasAConnectionOfItsOwn()

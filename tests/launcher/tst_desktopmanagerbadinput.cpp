@@ -54,9 +54,11 @@ void TestDesktopManagerBadInput::emptyIconLeavesTheOldOne()
     manager.onCreateLauncher(app);
     const Stamp before = stamp(iconPath(app));
     app.icon.clear();
+    const QSignalSpy changed(&manager, &DesktopManager::launcherChanged);
     const LogCapture log;
     manager.onCreateLauncher(app);
     QCOMPARE(warnings(log), QStringList(iconFailure(app)));
+    QCOMPARE(changed.size(), 0);
     QCOMPARE(read(iconPath(app)), QByteArray("icon"));
     QVERIFY(stamp(iconPath(app)) == before);
     QCOMPARE(allFiles(), filesOf(app));

@@ -56,6 +56,7 @@ void TestDesktopManagerCreation::newLauncherMakesThreeFiles()
 {
     DesktopManager manager{ApkConfig()};
     const QSignalSpy installed(&manager, &DesktopManager::newApplicationInstalled);
+    const QSignalSpy changed(&manager, &DesktopManager::launcherChanged);
     const LogCapture log;
     const ApkLauncher maps{QStringLiteral("Maps = M\u00e4p"), QByteArray("\x89PNG\0", 5),
         QStringLiteral("com.foo"), QStringLiteral("com.foo.Main"), QStringLiteral("1.2.3")};
@@ -97,6 +98,9 @@ void TestDesktopManagerCreation::newLauncherMakesThreeFiles()
         QCOMPARE(listing(directory).size(), 1);
     QCOMPARE(installed.size(), 1);
     QCOMPARE(installed.first().first().value<ApkLauncher>().caption, maps.caption);
+    QCOMPARE(changed.size(), 1);
+    QCOMPARE(changed.first(),
+        QVariantList({desktopPath(maps), maps.packageName, maps.caption, iconPath(maps)}));
     QCOMPARE(installed.first().first().value<ApkLauncher>().icon, maps.icon);
     QCOMPARE(log.lines(), rewrittenLines(maps));
 }

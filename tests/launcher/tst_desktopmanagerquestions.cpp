@@ -53,6 +53,7 @@ private Q_SLOTS:
     void appNameOfAnUnknownPackageIsThePackage_data();
     void appNameOfAnUnknownPackageIsThePackage();
     void appNameThatIsMissingIsNullWithAWarning();
+    void detailsAreThoseOfTheFiles();
 
 private:
     std::unique_ptr<DesktopManager> m_manager;
@@ -276,6 +277,32 @@ void TestDesktopManagerQuestions::appNameThatIsMissingIsNullWithAWarning()
     const LogCapture log;
     QVERIFY(m_manager->appName(QStringLiteral("a.maps")).isNull());
     QCOMPARE(log.lines(), QStringList(missingKeyLine(path, "Name")));
+}
+
+void TestDesktopManagerQuestions::detailsAreThoseOfTheFiles()
+{
+    const ApkLauncher maps = launcher("a.maps");
+    m_manager->onCreateLauncher(maps);
+    const ApkLauncher mail = launcher("b.mail");
+    leaveBehind(mail);
+    write(desktopPath(mail),
+        entryText(mail, {{QStringLiteral("NoDisplay"), QStringLiteral("true")}}));
+    QVERIFY(QFile::remove(settingsPath(mail)));
+    write(entryPath("lumd_launcher_x.desktop"), "[Desktop Entry]\nName=of no package\n");
+
+    const QMap<QString, QVector<InstalledLauncher>> details = m_manager->launcherDetails();
+    QCOMPARE(details.keys(), QStringList({maps.packageName, mail.packageName}));
+    const QVector<InstalledLauncher> &shown = details.first();
+    QCOMPARE(shown.size(), 1);
+    QCOMPARE(shown.first().desktopPath, desktopPath(maps));
+    QCOMPARE(shown.first().name, maps.caption);
+    QCOMPARE(shown.first().icon, iconPath(maps));
+    QCOMPARE(shown.first().version, maps.packageVersion);
+    QCOMPARE(shown.first().isHidden, false);
+    const QVector<InstalledLauncher> &hidden = details.last();
+    QCOMPARE(hidden.size(), 1);
+    QCOMPARE(hidden.first().version, QString());
+    QCOMPARE(hidden.first().isHidden, true);
 }
 
 LUM_TEST_MAIN(TestDesktopManagerQuestions)

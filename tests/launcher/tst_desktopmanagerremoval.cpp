@@ -6,6 +6,7 @@
 #include "tests/support/testmain.h"
 
 #include <QFile>
+#include <QSignalSpy>
 
 using namespace LauncherFiles;
 
@@ -109,11 +110,15 @@ void TestDesktopManagerRemoval::removedPackageLosesAllItsLaunchers()
     for (const ApkLauncher &app : {two, other, one})
         manager.onCreateLauncher(app);
 
+    const QSignalSpy gone(&manager, &DesktopManager::launcherGone);
     const LogCapture log;
     manager.onRemovePackage(QStringLiteral("a.maps"));
     QCOMPARE(log.lines(),
         QStringList(logLine("debug", QStringLiteral("onRemovePackage: \"a.maps\"")))
             << deletionLines(one) << deletionLines(two));
+    QCOMPARE(gone.size(), 2);
+    QCOMPARE(gone.first(), QVariantList({desktopPath(one), one.packageName}));
+    QCOMPARE(gone.last(), QVariantList({desktopPath(two), two.packageName}));
     for (const char *directory : {applications, icons, settings})
         QCOMPARE(listing(directory).size(), 1);
     QCOMPARE(read(desktopPath(other)), entryText(other));

@@ -166,6 +166,7 @@ private Q_SLOTS:
 
     void launcherRunsAsTheUserOfTheSeat();
     void launcherRunsAsRootWithoutASession();
+    void launcherIsCalledByItsName();
     void launcherOfRootsOwnSessionKeepsTheGroups();
     void exitStatusOfTheLauncherIsTheResult_data();
     void exitStatusOfTheLauncherIsTheResult();
@@ -262,6 +263,15 @@ void TestRuntimeOffer::launcherRunsAsRootWithoutASession()
     QCOMPARE(readFile(record), rootsIds() + launcherProgram.toLatin1() + "\n" + arguments());
     QCOMPARE(outcome.returns, QByteArray("caller 0\n"));
     QCOMPARE(outcome.errors, QByteArray());
+}
+
+// A script is not told what it is called by; the shell puts that before the option that it refuses.
+void TestRuntimeOffer::launcherIsCalledByItsName()
+{
+    replaceLauncher("exit 0");
+    Mounts::bind(QStringLiteral("/bin/sh"), launcherProgram);
+    const QByteArray errors = offer().errors;
+    QVERIFY2(errors.startsWith("invoker: "), errors.constData());
 }
 
 void TestRuntimeOffer::launcherOfRootsOwnSessionKeepsTheGroups()
