@@ -265,7 +265,7 @@ void TestLaunchWait::daemonEndsInAWait()
     m_world->android->quitDaemon();
     QVERIFY(m_world->daemon->waitForExit());
     QCOMPARE(m_world->daemon->exitCode(), 0);
-    // With a call that is out the process does not end by itself, and yet behind the daemon.
+    // Also where a call is out, and the process leaves in haste, the daemon is destroyed first.
     const QRegularExpression links(QStringLiteral("Destroying \\w+ connection$"));
     QCOMPARE(m_world->daemon->lines().filter(links),
         QStringList(waitEnded) << texts(
