@@ -45,6 +45,9 @@ WARNING = 4
 VERBOSE = "/run/systemd/system/lumd.service.d/verbose.conf"
 VERBOSE_TEXT = "[Service]\nEnvironment=QT_LOGGING_RULES=com.tovra.lumd.*.debug=true\n"
 
+# Is as old as the last ground state.
+STAMP = "/run/ground-state"
+
 # There is a link while the runtime starts at boot.
 ENABLED_RUNTIME = f"/etc/systemd/system/multi-user.target.wants/{RUNTIME}"
 
@@ -93,9 +96,14 @@ class Device:
             # It does not always notice a folder that is new.
             systemctl daemon-reload
             }}
-            case $(systemctl show --property=NeedDaemonReload {LUMD} {RUNTIME}) in
-            *yes*) systemctl daemon-reload ;;
-            esac
+            # The question takes longer than to see that no scenario has touched a unit.
+            if [ ! -e {STAMP} ] || [ -n "$(find /etc/systemd /run/systemd/system \\
+                -newer {STAMP} -print -quit)" ]; then
+                case $(systemctl show --property=NeedDaemonReload {LUMD} {RUNTIME}) in
+                *yes*) systemctl daemon-reload ;;
+                esac
+            fi
+            touch {STAMP}
             journalctl --sync
             date +%s.%6N >&3
             systemctl start getty@tty1.service {LUMD}
@@ -110,7 +118,7 @@ class Device:
 
     def write(self, files):
         """Writes text files: path to text."""
-        self.machine.shell("sh", input=write_script(files))
+        self.machine.shell(write_script(files))
 
     def install(self, *apps):
         """Makes apps known to the runtime, which announces them when it starts."""
@@ -142,8 +150,7 @@ class Device:
 
     def state(self, unit):
         """systemd's ActiveState of the unit."""
-        return self.machine.run("systemctl", "show", "--value", "--property=ActiveState",
-                                unit).strip()
+        return self.machine.shell(f"systemctl is-active {unit}", check=False).stdout.strip()
 
     def wait_state(self, unit, state):
         """Waits until systemd gives the unit this ActiveState."""

@@ -15,6 +15,7 @@ import time
 import control
 import image as images
 from image import HandsetError
+from remoteshell import RemoteShell, ShellLost
 
 RUN = images.CACHE / "run"
 BOOT_TIMEOUT = 600
@@ -45,6 +46,8 @@ class Machine:
     def __init__(self, name="default"):
         self.name = name
         self.record = RUN / f"{name}.json"
+        # What all scripts run in, once there was one.
+        self.remote_shell = None
         self.state = {}
         if self.record.exists():
             self.state = json.loads(self.record.read_text(encoding="utf-8"))
@@ -162,18 +165,29 @@ class Machine:
         if not self.running():
             raise HandsetError(f"the handset '{self.name}' does not run")
 
-    def shell(self, script, check=True, timeout=COMMAND_TIMEOUT, **options):
+    def shell(self, script, check=True, timeout=COMMAND_TIMEOUT):
         """Runs a shell script on the handset; gives the CompletedProcess, output as text."""
         self.demand_running()
-        if "input" not in options:
-            options["stdin"] = subprocess.DEVNULL
-        result = subprocess.run([*self.ssh(), "root@handset", script], stdout=subprocess.PIPE,
-                                stderr=subprocess.PIPE, text=True, check=False, timeout=timeout,
-                                **options)
+        if self.remote_shell is None:
+            self.remote_shell = RemoteShell([*self.ssh(), "root@handset"])
+        try:
+            result = self.remote_shell.run(script, timeout)
+        except ShellLost as error:
+            self.close_shell()
+            raise HandsetError(f"on the handset, {error}: {script}") from error
+        except BaseException:
+            self.close_shell()
+            raise
         if check and result.returncode != 0:
             raise HandsetError(f"on the handset, with status {result.returncode}: {script}\n"
                                f"{result.stdout}{result.stderr}")
         return result
+
+    def close_shell(self):
+        """Ends the shell in which scripts run; the next script begins another."""
+        if self.remote_shell is not None:
+            self.remote_shell.close()
+            self.remote_shell = None
 
     def run(self, *command, **options):
         """Runs one command on the handset and gives what it wrote to standard output."""
@@ -198,6 +212,7 @@ class Machine:
         """Ends the machine and removes what it left. Harmless when it does not run."""
         if not self.state:
             return
+        self.close_shell()
         if (self.folder / "ssh").exists():
             subprocess.run([*self.ssh(), "-O", "exit", "root@handset"], check=False,
                            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)

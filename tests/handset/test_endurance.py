@@ -52,8 +52,9 @@ class Endurance(AppScenario):
         self.device.write({f"/run/endurance/{name}": (HERE / name).read_text(encoding="utf-8")
                            for name in ("rounds.py", "roundwatcher.py")})
         result = self.device.machine.shell(
-            f"set -o pipefail; python3 -B /run/endurance/rounds.py {ROUNDS} {apps.MAPS.package} "
-            "| tee /run/endurance/rounds.jsonl", timeout=60 + ROUNDS * ROUND_LIMIT, check=False)
+            f"python3 -B /run/endurance/rounds.py {ROUNDS} {apps.MAPS.package} "
+            "> /run/endurance/rounds.jsonl; status=$?; cat /run/endurance/rounds.jsonl; "
+            "exit $status", timeout=60 + ROUNDS * ROUND_LIMIT, check=False)
         rounds = [json.loads(line) for line in result.stdout.splitlines()]
         for line in rounds[EARLY - 1::EARLY]:
             print(json.dumps(line), file=sys.stderr)

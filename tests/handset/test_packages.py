@@ -28,9 +28,8 @@ class Packages(AppScenario):
 
     def bring_back(self):
         """The packages are there again, as they were installed first."""
-        self.apt("install", "--allow-downgrades", "--reinstall",
-                 "-o DPkg::Options::=--force-confnew -o DPkg::Options::=--force-confmiss",
-                 "./lumd_*.deb", "./lumctl_*.deb")
+        self.in_packages(
+            "dpkg --force-confnew,confmiss,downgrade --install lumd_*.deb lumctl_*.deb 2>&1")
 
     def in_packages(self, script):
         return self.device.machine.shell(f"cd {PACKAGES} && {script}").stdout

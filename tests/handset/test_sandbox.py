@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: BSD-3-Clause
 """What lumd's unit keeps from it, and what it must leave."""
 
+import shlex
+
 import apps
 import device
 from appscenario import AppScenario
@@ -26,7 +28,8 @@ class Sandbox(AppScenario):
 
     def in_sandbox(self, script):
         """Runs a script with lumd's view of the file system; gives what it printed."""
-        return self.shell(f"nsenter --mount --target {self.device.owner()} sh", input=script).stdout
+        return self.shell(f"nsenter --mount --target {self.device.owner()} "
+                          f"sh -c {shlex.quote(script)}").stdout
 
     def test_lumdHasTheRightsThatItNeedsAndNoNetwork(self):
         lumd = self.device.owner()
