@@ -9,8 +9,6 @@ namespace FakeBinder {
 
 namespace {
 
-using Kind = Handle::Kind;
-
 void end(gulong id)
 {
     World &world = World::instance();

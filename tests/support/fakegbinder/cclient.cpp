@@ -3,7 +3,6 @@
 #include "tests/support/fakegbinder/outcome.h"
 
 using namespace FakeBinder;
-using Kind = Handle::Kind;
 
 namespace {
 

@@ -3,7 +3,6 @@
 #include "tests/support/fakegbinder/messagehandles.h"
 
 using namespace FakeBinder;
-using Kind = Handle::Kind;
 
 namespace {
 

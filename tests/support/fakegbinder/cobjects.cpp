@@ -3,7 +3,6 @@
 #include "tests/support/fakegbinder/world.h"
 
 using namespace FakeBinder;
-using Kind = Handle::Kind;
 
 extern "C" {
 

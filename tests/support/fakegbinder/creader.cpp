@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // gbinder_reader.h
+#include "tests/support/fakegbinder/binderobject.h"
 #include "tests/support/fakegbinder/reader.h"
 
 #include <cstring>
@@ -7,10 +8,6 @@
 using namespace FakeBinder;
 
 namespace {
-
-constexpr gsize ObjectSize = 24; // struct flat_binder_object of a 64-bit kernel
-constexpr guint32 TypeBinder = 0x73622a85;
-constexpr guint32 TypeHandle = 0x73682a85;
 
 ReaderState &stateOf(GBinderReader *reader)
 {

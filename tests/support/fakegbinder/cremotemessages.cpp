@@ -6,7 +6,6 @@
 #include <cstring>
 
 using namespace FakeBinder;
-using Kind = Handle::Kind;
 
 namespace FakeBinder {
 

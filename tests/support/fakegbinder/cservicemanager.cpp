@@ -6,7 +6,6 @@
 #include <algorithm>
 
 using namespace FakeBinder;
-using Kind = Handle::Kind;
 
 namespace {
 

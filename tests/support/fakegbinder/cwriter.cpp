@@ -1,17 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // gbinder_writer.h
+#include "tests/support/fakegbinder/binderobject.h"
 #include "tests/support/fakegbinder/world.h"
 
 #include <cstring>
 
 using namespace FakeBinder;
-using Kind = Handle::Kind;
 
 namespace {
 
-constexpr gsize ObjectSize = 24; // struct flat_binder_object of a 64-bit kernel
-constexpr guint32 TypeBinder = 0x73622a85;
-constexpr guint32 TypeHandle = 0x73682a85;
 constexpr guint32 AcceptsFds = 0x100;
 constexpr guint32 LocalPriority = 0x7f;
 

@@ -7,8 +7,6 @@ namespace FakeBinder {
 
 namespace {
 
-using Kind = Handle::Kind;
-
 void announce(Notice notice, const std::function<void()> &action)
 {
     if (notice == Notice::Deferred)

@@ -45,6 +45,8 @@ struct Handle
     int borrowed = 0; ///< times that the fake holds it for the process: autoreleased, in a call
 };
 
+using Kind = Handle::Kind;
+
 struct ServiceManager : Handle
 {
     explicit ServiceManager(const QString &device)

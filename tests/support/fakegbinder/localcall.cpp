@@ -9,8 +9,6 @@ namespace FakeBinder {
 
 namespace {
 
-using Kind = Handle::Kind;
-
 /// Takes the header apart as libgbinder does: a request whose header cannot be read has no
 /// interface and is payload from its first byte on.
 void parseHeader(Message *request, Protocol protocol)

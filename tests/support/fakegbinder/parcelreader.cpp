@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "tests/support/fakegbinder/parcelreader.h"
 
+#include "tests/support/fakegbinder/binderobject.h"
+
 #include <cstring>
 
 namespace FakeBinder {
 
 namespace {
-
-// linux/android/binder.h
-constexpr quint32 TypeBinder = 0x73622a85;
-constexpr quint32 TypeHandle = 0x73682a85;
 
 template <typename Value> Value load(const char *bytes)
 {
@@ -102,7 +100,7 @@ QByteArray ParcelReader::byteArray()
 
 ParcelReader::Object ParcelReader::object()
 {
-    const char *bytes = take(24);
+    const char *bytes = take(ObjectSize);
     if (!bytes)
         return {};
     const auto type = load<quint32>(bytes);

@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "tests/support/fakegbinder/parcelwriter.h"
 
+#include "tests/support/fakegbinder/binderobject.h"
+
 #include <cstring>
 
 namespace FakeBinder {
 
 namespace {
 
-// linux/android/binder.h
-constexpr quint32 TypeBinder = 0x73622a85;
-constexpr quint32 TypeHandle = 0x73682a85;
 constexpr quint32 LocalFlags = 0x17f; // priority 0x7f, accepts file descriptors
 constexpr quint32 RemoteFlags = 0x100; // accepts file descriptors
 
