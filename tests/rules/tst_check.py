@@ -2,7 +2,10 @@
 # SPDX-License-Identifier: BSD-3-Clause
 """tools/check: each linter with a file that it must pass and one that it must refuse."""
 
+import itertools
 import json
+import re
+import runpy
 import shutil
 import subprocess
 import unittest
@@ -73,6 +76,15 @@ class CheckTest(TreeTest):
         self.write('tests/config/tst_names.h', UGLY)
         self.assert_finds('format', 'tests/config/tst_names.h:2')
 
+    def testFormatTellsOfEachFileOfMany(self):
+        paths = [f'config/names{number}.h' for number in range(40)]
+        for path in paths:
+            self.write(path, UGLY)
+        code, lines = self.check('format')
+        self.assertEqual(code, 1)
+        for path in paths:
+            self.assertEqual(sum(line.startswith(f'{path}:2:') for line in lines), 1, path)
+
     def testTidyRefusesZeroAsPointer(self):
         self.write_config(OLD)
         self.assert_finds('tidy', 'modernize-use-nullptr')
@@ -83,16 +95,58 @@ class CheckTest(TreeTest):
 
     def testTidyTellsOfEachSourceByItsOwnLines(self):
         self.write('config/zero.cpp', source('#ifdef SOURCE_1', *OLD.splitlines()[1:], '#endif'))
-        self.write_commands('config/names.cpp', 'config/zero.cpp')
+        self.write('binder/names.cpp', GOOD)
+        self.write_commands('binder/names.cpp', 'config/zero.cpp', 'config/names.cpp')
         self.assert_finds('tidy', 'config/zero.cpp:5:12: error:')
 
-    def testTidyReadsEachFolderByItself(self):
-        paths = ('config/names.cpp', 'daemon/main.cpp', 'companions/a/main.cpp',
-                 'companions/b/main.cpp')
+    def testTidyTellsOfAHeaderOfTwoRoomsOnce(self):
+        self.write('config/zero.h', source('#pragma once', f'inline {OLD.splitlines()[1]}',
+                                           *OLD.splitlines()[2:]))
+        paths = ('config/names.cpp', 'binder/zero.cpp')
+        for path in paths:
+            self.write(path, source('#include "../config/zero.h"'))
+        self.write_commands(*paths)
+        code, lines = self.check('tidy')
+        self.assertEqual(code, 1)
+        self.assertEqual(sum('config/zero.h:5:12: error:' in line for line in lines), 1, lines)
+
+    def testTidyReadsRoomsTogetherInOrder(self):
+        self.write('no-programs/clang-tidy-19', '#!/bin/sh\nfor last; do :; done\n'
+                   'echo "${last##*/}"\ngrep names "$last"\n', executable=True)
+        paths = ('config/names.cpp', 'config/other/names.cpp', 'binder/names.cpp',
+                 'daemon/names.cpp', 'userbus/names.cpp', 'companions/lumctl/names.cpp',
+                 'companions/other/names.cpp')
+        for path in paths:
+            self.write(path, source(f'// {path}'))
+        self.write_commands(*paths)
+        self.assertEqual(self.check('tidy'), (1, [
+            'companions-lumctl+userbus+runtime.cpp',
+            '// companions/lumctl/names.cpp', '// userbus/names.cpp',
+            'companions-lumd-apps+binder+config+platform.cpp',
+            '// binder/names.cpp', '// config/names.cpp', '// config/other/names.cpp',
+            'companions-other.cpp', '// companions/other/names.cpp',
+            'daemon.cpp', '// daemon/names.cpp', 'tidy: FOUND SOMETHING']))
+
+    def testTidyReadsProgramsApart(self):
+        paths = ('daemon/main.cpp', 'companions/lumctl/main.cpp', 'companions/lumd-apps/main.cpp',
+                 'companions/lumd-launcher/main.cpp', 'companions/other/main.cpp')
         for path in paths:
             self.write(path, source('int main() { }'))
-        self.write_commands(*paths)
+        self.write_commands('config/names.cpp', *paths)
         self.assertEqual(self.check('tidy'), (0, ['tidy: clean']))
+
+    def testNoRoomIncludesAnotherThatItIsReadWith(self):
+        for whole in runpy.run_path(str(CHECKOUT / 'tools/lint-rooms'))['WHOLES']:
+            folders = [CHECKOUT / room.replace('companions-', 'companions/') for room in whole]
+            for folder, other in itertools.permutations(folders, 2):
+                included = set()
+                for file in (*folder.rglob('*.cpp'), *folder.rglob('*.h')):
+                    included.update(re.findall(r'^#include ["<](.+)[">]', file.read_text('utf-8'),
+                                               re.MULTILINE))
+                with self.subTest(folder=folder.name, other=other.name):
+                    self.assertTrue(included)
+                    self.assertEqual([name for name in included for header in other.rglob('*.h')
+                                      if str(header).endswith(f'/{name}')], [])
 
     def testSourceThatNothingCompilesIsAFinding(self):
         self.write('config/zero.cpp', OLD)
