@@ -19,6 +19,7 @@ mkdir -p "$FOLDER"
 cp -r /source "$FOLDER/lumd"
 cd "$FOLDER/lumd"
 dpkg-buildpackage --no-sign $OPTIONS
+cp debian/files ..
 cd ..
 find . -maxdepth 1 -type f -exec cp -t /results {} +
 '''
@@ -29,6 +30,18 @@ def native():
     """The architecture of this machine."""
     return subprocess.run(['dpkg', '--print-architecture'], check=True, stdout=subprocess.PIPE,
                           text=True).stdout.strip()
+
+
+def arguments(what, architecture, *profiles):
+    """Those of dpkg-buildpackage, to build that much. The source package and what fits all
+    architectures come with the native build."""
+    words = [f'--build={what}']
+    if architecture != native():
+        words = ['--build=any', f'--host-arch={architecture}']
+        profiles += ('cross', 'nocheck')
+    if profiles:
+        words.append(f'-P{",".join(profiles)}')
+    return ' '.join(words)
 
 
 def root(suite, architecture):
@@ -67,14 +80,15 @@ def copy_source(target, names=None):
     subprocess.run(['tar', '-C', target, '-xf', '-'], input=archive, check=True)
 
 
-def build(in_root, arguments, source, results, folder, log):
-    """Builds the packages in a folder of the root, with these arguments for dpkg-buildpackage;
-    gives whether that went well. What there is to say is in the log."""
+def build(in_root, options, source, results, folder, log, binds=()):
+    """Builds the packages in a folder of the root, with these options for dpkg-buildpackage. What
+    there is to say is in the log."""
     with open(log, 'w', encoding='utf-8') as text:
-        done = in_root.run('env', f'FOLDER={folder}', f'OPTIONS={arguments}', 'sh', '-c', BUILD,
-                           binds=[(source, '/source', 'ro'), (results, '/results', 'rw')],
+        done = in_root.run('env', f'FOLDER={folder}', f'OPTIONS={options}', 'sh', '-c', BUILD,
+                           binds=[(source, '/source', 'ro'), (results, '/results', 'rw'), *binds],
                            stdout=text, stderr=text)
-    return done.returncode == 0
+    if done.returncode != 0:
+        raise debianroot.RootError(tail(log))
 
 
 def tail(log):

@@ -3,10 +3,11 @@
 
   sudo tools/package [--arch amd64|arm64] [--suite trixie] [--check]
 
-For another architecture than this machine's they are cross-built. The packages must please
-lintian. --check builds them a second time, in a folder of another name, and fails unless both
-have the same bytes. The first run installs a root with all that the build takes, a few minutes;
-it is kept in .cache/package until debian/control or what goes into it changes.
+For another architecture than this machine's they are cross-built. Those that were built of the
+present sources, for the virtual handset as well, are taken from .cache/built. The packages must
+please lintian. --check builds all of the sources once more, in a folder of another name, and fails
+unless both have the same bytes. The first run installs a root with all that the build takes, a few
+minutes; it is kept in .cache/package until debian/control or what goes into it changes.
 """
 
 import argparse
@@ -19,6 +20,7 @@ import tempfile
 
 import buildroot
 import debianroot
+import packagebuilds
 
 ARCHITECTURES = ('amd64', 'arm64')
 
@@ -37,12 +39,14 @@ def main():
     if os.geteuid() != 0:
         sys.exit('The packages are built in a root of their own: run this with sudo.')
     try:
-        package(buildroot.root(options.suite, options.arch), options)
+        package(options)
     except debianroot.RootError as error:
         sys.exit(str(error))
 
 
-def package(root, options):
+def package(options):
+    built = packagebuilds.shipped(options.arch, options.suite)
+    root = buildroot.root(options.suite, options.arch)
     buildroot.OUTPUT.mkdir(parents=True, exist_ok=True)
     with tempfile.TemporaryDirectory(prefix='lumd-package-') as scratch:
         folders = [pathlib.Path(scratch) / name for name in ('source', 'first', 'second')]
@@ -50,32 +54,33 @@ def package(root, options):
         for folder in folders:
             folder.mkdir()
         buildroot.copy_source(source)
-        build(root, options, source, first, '/build')
+        arguments = buildroot.arguments('full', options.arch)
+        log = buildroot.OUTPUT / f'build-{options.arch}.log'
+        buildroot.build(
+            root, f'{arguments} --rules-file=/tools/place-built', source, first, '/build', log,
+            [(built, '/built', 'ro'), (buildroot.PROJECT / 'tools', '/tools', 'ro')])
         if root.run('sh', '-c', LINTIAN, binds=[(first, '/results', 'ro')]).returncode != 0:
             sys.exit('lintian is not content with the packages.')
         if options.check:
-            build(root, options, source, second, '/var/tmp/a/second/build')
+            folder = '/var/tmp/a/second/build'
+            print(f'building all for {options.arch} once more, in {folder}', flush=True)
+            buildroot.build(root, arguments, source, second, folder, log)
             compare(first, second)
-        for path in sorted(first.iterdir()):
+        for path in results_in(first):
             shutil.copyfile(path, buildroot.OUTPUT / path.name)
             if path.suffix == '.deb':
                 print(f'{path.stat().st_size:>9} build/packages/{path.name}')
 
 
-def build(root, options, source, results, folder):
-    print(f'building for {options.arch} in {folder}', flush=True)
-    log = buildroot.OUTPUT / f'build-{options.arch}.log'
-    # The source package and what fits all architectures come with the native build.
-    arguments = ('--build=full' if options.arch == buildroot.native()
-                 else f'--build=any --host-arch={options.arch} -Pcross,nocheck')
-    if not buildroot.build(root, arguments, source, results, folder, log):
-        sys.exit(buildroot.tail(log))
+def results_in(folder):
+    """The packages and what is told of them: name, version, architecture."""
+    return sorted(folder.glob('*_*'))
 
 
 def compare(first, second):
     """All but the protocols of the build, which tell where and when it was."""
     sums = [{path.name: hashlib.sha256(path.read_bytes()).hexdigest()
-             for path in folder.iterdir() if path.suffix not in ('.buildinfo', '.changes')}
+             for path in results_in(folder) if path.suffix not in ('.buildinfo', '.changes')}
             for folder in (first, second)]
     differing = sorted(name for name in sums[0].keys() | sums[1].keys()
                        if sums[0].get(name) != sums[1].get(name))
