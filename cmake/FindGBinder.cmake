@@ -11,7 +11,7 @@ find_package(PkgConfig REQUIRED)
 pkg_check_modules(GLIB REQUIRED IMPORTED_TARGET glib-2.0)
 pkg_check_modules(PC_GBINDER QUIET libgbinder libglibutil)
 
-set(GBINDER_UNPACKED ${PROJECT_SOURCE_DIR}/.deps/gbinder/usr)
+set(GBINDER_UNPACKED ${CMAKE_CURRENT_LIST_DIR}/../.deps/gbinder/usr)
 find_path(GBINDER_INCLUDE_DIR gbinder.h
     HINTS ${PC_GBINDER_INCLUDE_DIRS} ${GBINDER_UNPACKED}/include PATH_SUFFIXES gbinder)
 find_path(GLIBUTIL_INCLUDE_DIR gutil_types.h

@@ -105,10 +105,9 @@ function(lum_discover_tests executable)
 endfunction()
 
 # lum_load_into_daemon(<library>): the library is loaded into a lumd without sanitizers, too, and
-# so has none itself; nor is it measured.
+# so has none itself.
 function(lum_load_into_daemon library)
-    target_compile_options(${library} PRIVATE
-        -fno-sanitize=all -fno-profile-arcs -fno-test-coverage)
+    target_compile_options(${library} PRIVATE -fno-sanitize=all)
     target_link_options(${library} PRIVATE -fno-sanitize=all)
 endfunction()
 

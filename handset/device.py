@@ -96,7 +96,8 @@ class Device:
             # It does not always notice a folder that is new.
             systemctl daemon-reload
             }}
-            # The question takes longer than to see that no scenario has touched a unit.
+            # The question takes longer than to see that no scenario has touched a unit. Of their
+            # own ones packages tell systemd themselves.
             if [ ! -e {STAMP} ] || [ -n "$(find /etc/systemd /run/systemd/system \\
                 -newer {STAMP} -print -quit)" ]; then
                 case $(systemctl show --property=NeedDaemonReload {LUMD} {RUNTIME}) in
@@ -150,7 +151,10 @@ class Device:
 
     def state(self, unit):
         """systemd's ActiveState of the unit."""
-        return self.machine.shell(f"systemctl is-active {unit}", check=False).stdout.strip()
+        result = self.machine.shell(f"systemctl is-active {unit}", check=False)
+        if not result.stdout:
+            raise HandsetError(f"{unit}: {result.stderr}")
+        return result.stdout.strip()
 
     def wait_state(self, unit, state):
         """Waits until systemd gives the unit this ActiveState."""

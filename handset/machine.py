@@ -80,6 +80,7 @@ class Machine:
         if self.running():
             raise HandsetError(f"the handset '{self.name}' runs already; stop it first")
         image = images.build(architecture)
+        self.close_shell()
         self.state = {"folder": tempfile.mkdtemp(prefix="lumd-handset-")}
         try:
             started = time.monotonic()
@@ -166,7 +167,8 @@ class Machine:
             raise HandsetError(f"the handset '{self.name}' does not run")
 
     def shell(self, script, check=True, timeout=COMMAND_TIMEOUT):
-        """Runs a shell script on the handset; gives the CompletedProcess, output as text."""
+        """Runs a script of the POSIX shell on the handset; gives the CompletedProcess, output as
+        text."""
         self.demand_running()
         if self.remote_shell is None:
             self.remote_shell = RemoteShell([*self.ssh(), "root@handset"])

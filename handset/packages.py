@@ -8,7 +8,7 @@ import buildroot
 import packagebuilds
 
 
-def build(architecture=None, *, say=print):
+def build(architecture=None, *, say=packagebuilds.SAY):
     """Gives the packages of the present sources, built first if they are not there; for this
     machine's own architecture, where none is named."""
     architecture = architecture or buildroot.native()

@@ -41,15 +41,15 @@ class RemoteShell:
         """Gives the CompletedProcess of a script, output as text.
 
         ShellLost when the shell is gone; subprocess.TimeoutExpired when the script takes more
-        seconds, in which it still is: this shell is of no more use then.
+        seconds than that from when it was sent, in which it still is: this shell is of no more use
+        then.
         """
         line = (f"(eval {shlex.quote(script)}\n) < /dev/null; status=$?\n"
                 f'echo "{self.mark} $status"; echo "{self.mark} $status" >&2\n')
-        try:
+        # A shell that has ended is seen, with what it said, where its outputs end.
+        with contextlib.suppress(BrokenPipeError):
             self.process.stdin.write(line.encode())
             self.process.stdin.flush()
-        except BrokenPipeError as error:
-            raise ShellLost("no shell was left for this") from error
         marks = self.read(script, timeout)
         output, errors = (mark.string[:mark.start()].decode() for mark in marks)
         return subprocess.CompletedProcess(script, int(marks[0][1]), output, errors)
@@ -67,13 +67,16 @@ class RemoteShell:
                     stream = key.fileobj
                     chunk = os.read(stream.fileno(), CHUNK)
                     texts[stream] += chunk
-                    if not chunk:
-                        raise ShellLost("the shell ended in this")
                     if match := self.end.search(texts[stream]):
                         found[stream] = match
+                    if match or not chunk:
                         selector.unregister(stream)
-                if len(found) < len(texts) and time.monotonic() > deadline:
-                    raise subprocess.TimeoutExpired(script, timeout)
+                if len(found) < len(texts):
+                    if not selector.get_map():
+                        said = b"".join(texts.values()).decode(errors="replace")
+                        raise ShellLost(f"the shell ended, having said '{said}', in this")
+                    if time.monotonic() > deadline:
+                        raise subprocess.TimeoutExpired(script, timeout)
         return [found[stream] for stream in texts]
 
 

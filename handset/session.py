@@ -63,9 +63,8 @@ class Session:
     def reset(self):
         """No notification was seen, no home screen is there, nobody listens."""
         self.machine.shell(f"""
-            cd /run/systemd/transient
             for unit in {HOME_SCREEN_UNIT} {SIGNAL_UNIT}; do
-                [ ! -e $unit ] || systemctl stop $unit
+                [ ! -e /run/systemd/transient/$unit ] || systemctl stop $unit
             done
             rm -f {HOME_SCREEN_CALLS} {SIGNALS}
             if [ -e {NOTIFICATIONS} ]; then : > {NOTIFICATIONS}; fi

@@ -4,7 +4,7 @@
   sudo tools/package [--arch amd64|arm64] [--suite trixie] [--check]
 
 For another architecture than this machine's they are cross-built. Those that were built of the
-present sources, for the virtual handset as well, are taken from .cache/built. The packages must
+present sources, for the virtual handset as well, are taken from .cache/package/built. The packages must
 please lintian. --check builds all of the sources once more, in a folder of another name, and fails
 unless both have the same bytes. The first run installs a root with all that the build takes, a few
 minutes; it is kept in .cache/package until debian/control or what goes into it changes.

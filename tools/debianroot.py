@@ -157,6 +157,10 @@ def apt(*arguments):
 @contextlib.contextmanager
 def exclusive(path):
     """Holds a lock file, so that two builds do not meet."""
-    with open(path, 'w', encoding='utf-8') as lock:
+    # To read, so that whoever may not write the folder can lock a file that is there.
+    lock = os.open(path, os.O_RDONLY | os.O_CREAT, 0o644)
+    try:
         fcntl.flock(lock, fcntl.LOCK_EX)
         yield
+    finally:
+        os.close(lock)

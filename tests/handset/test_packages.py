@@ -47,7 +47,7 @@ class Packages(AppScenario):
         self.apt("remove", "lumd")
         self.assertEqual(self.device.files(), {})
         self.assertIsNone(self.device.owner())
-        found = self.device.machine.shell("command -v lumd lumctl", check=False).stdout
+        found = self.device.machine.shell("command -v lumd; command -v lumctl", check=False).stdout
         self.assertEqual(found, "")
         self.assertEqual(self.device.machine.run("cat", device.BLACKLIST), "com.example.hidden\n")
         self.apt("install", "./lumd_*.deb", "./lumctl_*.deb")

@@ -26,6 +26,9 @@ FILES = ('daemon/main.cpp', 'cmake/Targets.cmake', 'debian/rules', 'docs/porting
          'tools/package', 'docs/testing.md')
 
 
+MAKE = packagebuilds.make
+
+
 class Builds(unittest.TestCase):
     """In a small checkout, where nothing is compiled."""
 
@@ -133,6 +136,16 @@ class Builds(unittest.TestCase):
         self.assertEqual(self.make.call_count, 1)
         self.assertEqual(folders, [folders[0]] * 2)
 
+    def testSourcesThatChangeBeforeTheyAreCopiedAreNotBuilt(self):
+        self.make.side_effect = MAKE
+        self.put(buildroot, 'root', lambda *_: self.write('NEWS.md', 'other'))
+        build = self.put(buildroot, 'build', mock.Mock())
+        with self.assertRaisesRegex(debianroot.RootError, 'changed meanwhile'):
+            packagebuilds.shipped(NATIVE, SUITE)
+        build.assert_not_called()
+        self.assertTrue(packagebuilds.shipped(NATIVE, SUITE).is_dir())
+        build.assert_called_once()
+
     def testTheHandsetTakesWhatUsersGetAndItsRuntime(self):
         self.assertEqual([path.name for path in packages.build(NATIVE)],
                          [f'{name}_1_{NATIVE}.deb'
@@ -150,9 +163,9 @@ class Builds(unittest.TestCase):
 class Shipped(unittest.TestCase):
 
     def testWhatIsShippedIsWhatTheHandsetInstalls(self):
-        with mock.patch.object(packagebuilds, 'make') as make:
+        # Who is not root builds nothing, and takes none away.
+        with mock.patch('os.geteuid', return_value=1000):
             folder = packagebuilds.shipped(NATIVE, SUITE)
-        make.assert_not_called()
         sums = [{path.name: hashlib.sha256((place / path.name).read_bytes()).hexdigest()
                  for path in folder.glob('*.deb')} for place in (folder, debianhandset.PACKAGES)]
         self.assertGreater(len(sums[0]), 3)
