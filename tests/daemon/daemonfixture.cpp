@@ -19,7 +19,13 @@ DaemonFixture::DaemonFixture()
 bool DaemonFixture::start()
 {
     daemon->start();
-    return daemon->waitForBusName() && settle();
+    if (daemon->waitForBusName())
+        return settle();
+    if (daemon->isRunning())
+        qWarning("lumd runs, and does not own its name");
+    else
+        qWarning("lumd has ended with %d", daemon->exitCode());
+    return false;
 }
 
 bool DaemonFixture::settle()
@@ -28,7 +34,10 @@ bool DaemonFixture::settle()
     const QDBusMessage question = QDBusMessage::createMethodCall(QStringLiteral("com.tovra.lumd"),
         QStringLiteral("/com/tovra/lumd"), QStringLiteral("org.freedesktop.DBus.Introspectable"),
         QStringLiteral("Introspect"));
-    return errorOf(QDBusConnection::systemBus().call(question)).isEmpty();
+    const QString error = errorOf(QDBusConnection::systemBus().call(question));
+    if (!error.isEmpty())
+        qWarning("lumd does not answer: %s", qPrintable(error));
+    return error.isEmpty();
 }
 
 void DaemonFixture::renew()

@@ -136,18 +136,19 @@ bool DaemonProcess::waitForBusName(const QString &name, int deadline)
     QDBusServiceWatcher watcher(name, bus, QDBusServiceWatcher::WatchForRegistration);
     QEventLoop loop;
     QObject::connect(&watcher, &QDBusServiceWatcher::serviceRegistered, &loop, &QEventLoop::quit);
-    QTimer::singleShot(deadline, &loop, &QEventLoop::quit);
-    // Tells of the daemon's end, of which the bus says nothing.
-    QTimer ended;
-    QObject::connect(&ended, &QTimer::timeout, &loop, [this, &loop] {
-        if (!isRunning())
-            loop.quit();
-    });
-    ended.start(100);
+    QTimer over;
+    over.setSingleShot(true);
+    QObject::connect(&over, &QTimer::timeout, &loop, &QEventLoop::quit);
+    over.start(deadline);
+    // For a look at the daemon, of whose end the bus says nothing.
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &loop, &QEventLoop::quit);
+    look.start(100);
     const auto isOwned = [&bus, &name] {
         return bus.interface()->isServiceRegistered(name).value();
     };
-    if (!isOwned())
+    // The signals of a connection wait for its first event loop: one may tell of an earlier daemon.
+    while (!isOwned() && isRunning() && over.isActive())
         loop.exec();
     return isOwned();
 }

@@ -6,6 +6,10 @@
 #include "tests/support/testmain.h"
 #include "tests/support/testnamespace.h"
 
+#include <QDBusConnectionInterface>
+#include <QDBusServiceWatcher>
+#include <QTimer>
+
 #include <csignal>
 
 class TestDaemonProcess : public QObject
@@ -17,6 +21,7 @@ private Q_SLOTS:
     void aSignalEndsIt();
     void linesHaveLevelAndCategory();
     void waitingForTheNameEndsWithTheDaemon();
+    void anOwnerThatHasGoneIsNotTakenForTheDaemon();
     void runsOnTheFakeLibrary();
 };
 
@@ -64,6 +69,25 @@ void TestDaemonProcess::waitingForTheNameEndsWithTheDaemon()
     timer.start();
     QVERIFY(!daemon.waitForBusName(QStringLiteral("com.tovra.lumd"), 60000));
     QVERIFY(timer.elapsed() < 30000);
+}
+
+void TestDaemonProcess::anOwnerThatHasGoneIsNotTakenForTheDaemon()
+{
+    const QString name = QStringLiteral("com.tovra.lumd");
+    const PrivateBus bus(PrivateBus::Kind::System);
+    const QDBusConnection own = QDBusConnection::systemBus();
+    QDBusConnection other = QDBusConnection::connectToBus(bus.address(), QStringLiteral("other"));
+    const QDBusServiceWatcher watcher(name, own);
+    QVERIFY(!own.interface()->isServiceRegistered(name));
+    QVERIFY(other.registerService(name));
+    QVERIFY(other.unregisterService(name));
+    QVERIFY(!own.interface()->isServiceRegistered(name));
+
+    DaemonProcess daemon; // without a user on the seat it asks for no name
+    daemon.start();
+    constexpr int later = 300;
+    QTimer::singleShot(later, [&other, &name] { other.registerService(name); });
+    QVERIFY(daemon.waitForBusName());
 }
 
 void TestDaemonProcess::runsOnTheFakeLibrary()
