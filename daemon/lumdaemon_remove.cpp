@@ -82,6 +82,14 @@ void LumDaemon::uninstallRpmPackage(const QString &filename) const
     Transaction *const resolve = PackageKit::Daemon::resolve(rpm, Transaction::FilterInstalled);
     logErrors(resolve, "Error resolving package: ");
     QObject::connect(
+        resolve, &Transaction::errorCode, resolve,
+        [rpm] {
+            // A fault of the device, of which whoever runs it is to hear.
+            if (!PackageKit::Daemon::isRunning())
+                qCWarning(daemonLog) << "There is no PackageKit that could remove" << rpm;
+        },
+        Qt::DirectConnection);
+    QObject::connect(
         resolve, &Transaction::package, resolve,
         [](Transaction::Info, const QString &packageId) { removeRpmPackage(packageId); },
         Qt::DirectConnection);

@@ -295,6 +295,7 @@ void TestRemove::failedResolutionIsLogged()
     QCOMPARE(m_packageKit->callTexts(),
         QStringList{QStringLiteral("Resolve(4, [mirlane-apk-com.foo])")});
     QVERIFY(DaemonFixture::settle());
+    QCOMPARE(linesOf(QStringLiteral("There is no")), QStringList());
     QCOMPARE(m_world->notifications.texts(), QStringList());
 }
 
@@ -320,8 +321,11 @@ void TestRemove::missingPackageKitIsSurvived()
     makeFile(packaged(QStringLiteral("com.foo.apk")));
     QVERIFY(m_world->start());
     QCOMPARE(remove(QStringLiteral("com.foo")), QStringLiteral("true"));
-    QVERIFY(DaemonFixture::settle());
+    QTRY_COMPARE(linesOf(QStringLiteral("There is no")),
+        QStringList{QStringLiteral(
+            "warning There is no PackageKit that could remove \"mirlane-apk-com.foo\"")});
     QCOMPARE(remove(QStringLiteral("com.foo")), QStringLiteral("true"));
+    QTRY_COMPARE(linesOf(QStringLiteral("There is no")).size(), 2);
 }
 
 LUM_TEST_MAIN(TestRemove)
