@@ -307,8 +307,12 @@ void TestAlienBinderConnection::readyConnectsForAClient()
     LinkStory story(connection);
     LogCapture log;
 
+    QVERIFY(!connection.isConnected());
+    QCOMPARE(story.take(), QStringList());
+
     QVERIFY(connection.client());
 
+    QVERIFY(connection.isConnected());
     QCOMPARE(story.take(),
         texts({"servicemanager_get_service_sync alien", "remote_object_ref alien",
             "remote_object_add_death_handler alien 1", "client_new alien",
