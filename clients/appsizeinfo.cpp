@@ -5,7 +5,7 @@
 
 void AppSizeInfo::registerMetaType()
 {
-    qRegisterMetaType<AppSizeInfo>("AppSizeInfo");
+    qRegisterMetaType<AppSizeInfo>();
     qDBusRegisterMetaType<AppSizeInfo>();
 }
 
