@@ -57,19 +57,12 @@ class Measurement:
         programs = [self.build / "bench/handset" / name
                     for name in ("bareservice", "buscalls", "answers")]
         for path in (*programs, benchmark_library(programs[1])):
-            self.send(path, f"{FOLDER}/{path.name}")
+            send(self.machine, path, f"{FOLDER}/{path.name}")
         self.device.write({"/etc/dbus-1/system.d/com.tovra.bare.conf": BARE_POLICY})
         self.device.stop(device.LUMD)
         self.machine.run("systemctl", "reload", "dbus")
         self.device.start(device.LUMD)
         self.start_bare()
-
-    def send(self, source, target):
-        """Copies a program or library to the handset."""
-        with open(source, "rb") as data:
-            subprocess.run([*self.machine.ssh(), "root@handset",
-                            f"mkdir -p {FOLDER} && cat > {target} && chmod 755 {target}"],
-                           stdin=data, check=True)
 
     def benchmarks(self, name, repetitions=None):
         """Runs the benchmarks whose names begin so."""
@@ -128,6 +121,14 @@ class Measurement:
         """The Pss of a process in kilobytes."""
         text = self.machine.run("grep", "^Pss:", f"/proc/{pid}/smaps_rollup")
         return int(text.split()[1])
+
+
+def send(machine, source, target):
+    """Copies a program or library to the handset."""
+    with open(source, "rb") as data:
+        subprocess.run([*machine.ssh(), "root@handset",
+                        f"mkdir -p {FOLDER} && cat > {target} && chmod 755 {target}"],
+                       stdin=data, check=True)
 
 
 def benchmark_library(program):
