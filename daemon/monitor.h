@@ -45,10 +45,10 @@ public:
     struct State
     {
         QString runtimeState; ///< the unit's, in systemd's words
-        bool isReady = false; ///< package changes are handed over at once
-        uint pendingChanges = 0; ///< installs and removals that wait
-        uint pendingLaunches = 0; ///< launches and intents that wait
-        qint32 sdkLevel = 0; ///< 0 when it is not known
+        bool isReady; ///< package changes are handed over at once
+        uint pendingChanges; ///< installs and removals that wait
+        uint pendingLaunches; ///< launches and intents that wait
+        qint32 sdkLevel; ///< 0 when it is not known
     };
 
     static constexpr char objectPath[] = "/com/tovra/lumd/monitor";
@@ -84,7 +84,7 @@ public Q_SLOTS:
 
 private:
     const DesktopManager &m_desktopManager;
-    State m_state;
+    State m_state = {};
     bool m_hasState = false;
     QStringList m_awaitedRemovals;
 };

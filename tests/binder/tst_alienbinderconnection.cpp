@@ -306,13 +306,9 @@ void TestAlienBinderConnection::readyConnectsForAClient()
     Connection connection(onDemand);
     LinkStory story(connection);
     LogCapture log;
-
-    QVERIFY(!connection.isConnected());
-    QCOMPARE(story.take(), QStringList());
-
     QVERIFY(connection.client());
-
     QVERIFY(connection.isConnected());
+
     QCOMPARE(story.take(),
         texts({"servicemanager_get_service_sync alien", "remote_object_ref alien",
             "remote_object_add_death_handler alien 1", "client_new alien",
@@ -329,6 +325,7 @@ void TestAlienBinderConnection::readyStaysWhenTheServiceIsMissing()
 
     QCOMPARE(connection.client(), nullptr);
     QCOMPARE(connection.client(), nullptr);
+    QVERIFY(!connection.isConnected()); // asks nobody
 
     QCOMPARE(story.take(),
         texts({"servicemanager_get_service_sync alien", "servicemanager_get_service_sync alien"}));
