@@ -53,7 +53,8 @@ void waitForOwner(const Service &service, bool isOwned)
     constexpr int deadlineMilliseconds = 60000;
     QTimer::singleShot(deadlineMilliseconds, &loop,
         [&] { qFatal("waited in vain for %s", qPrintable(service.busName)); });
-    if (bus.interface()->isServiceRegistered(service.busName) != isOwned)
+    // The signals of a connection wait for its first event loop: one may tell of an earlier owner.
+    while (bus.interface()->isServiceRegistered(service.busName) != isOwned)
         loop.exec();
 }
 
