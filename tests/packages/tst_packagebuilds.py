@@ -24,8 +24,6 @@ FOREIGN = 'arm64' if NATIVE == 'amd64' else 'amd64'
 FILES = ('daemon/main.cpp', 'cmake/Targets.cmake', 'debian/rules', 'docs/porting.md', 'NEWS.md',
          'handset/runtime/main.cpp', 'handset/device.py', 'tests/daemon/tst_main.cpp',
          'tools/package', 'docs/testing.md')
-
-
 MAKE = packagebuilds.make
 
 
@@ -136,12 +134,24 @@ class Builds(unittest.TestCase):
         self.assertEqual(self.make.call_count, 1)
         self.assertEqual(folders, [folders[0]] * 2)
 
-    def testSourcesThatChangeBeforeTheyAreCopiedAreNotBuilt(self):
+    def testWhatIsAskedOfTheBuildCountsToo(self):
+        self.builds()
+        self.put(buildroot, 'arguments', lambda *_: '--build=other')
+        self.assertEqual(len(self.builds()), 2)
+
+    def testSourcesThatAreOthersWhileTheyAreCopiedAreNotBuilt(self):
+        def copy(*arguments):
+            self.write('NEWS.md', 'other')
+            copy_source(*arguments)
+            self.write('NEWS.md', 'first')
+
+        copy_source = buildroot.copy_source
         self.make.side_effect = MAKE
-        self.put(buildroot, 'root', lambda *_: self.write('NEWS.md', 'other'))
+        self.put(buildroot, 'root', mock.Mock())
         build = self.put(buildroot, 'build', mock.Mock())
-        with self.assertRaisesRegex(debianroot.RootError, 'changed meanwhile'):
-            packagebuilds.shipped(NATIVE, SUITE)
+        with mock.patch.object(buildroot, 'copy_source', copy):
+            with self.assertRaisesRegex(debianroot.RootError, 'changed meanwhile'):
+                packagebuilds.shipped(NATIVE, SUITE)
         build.assert_not_called()
         self.assertTrue(packagebuilds.shipped(NATIVE, SUITE).is_dir())
         build.assert_called_once()
