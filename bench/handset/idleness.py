@@ -98,9 +98,12 @@ class Idleness:
         """Writes down what is said on the system bus meanwhile."""
         self.machine.shell(
             f"systemd-run --quiet --collect --unit={MONITOR} sh -c "
-            f"'exec busctl --json=short monitor > {MONITOR_LOG} 2> {MONITOR_LOG}.log'")
+            f"'exec busctl --json=short monitor >> {MONITOR_LOG}'")
+        # It says nothing when it listens, but writes down calls, too.
         self.device.wait(lambda: self.machine.shell(
-            f"grep -q Monitoring {MONITOR_LOG}.log", check=False).returncode == 0, "busctl listens")
+            "busctl call org.freedesktop.DBus / org.freedesktop.DBus.Peer Ping; "
+            f"grep -q Ping {MONITOR_LOG} && : > {MONITOR_LOG}",
+            check=False).returncode == 0, "busctl listens")
 
     def stop_monitor(self):
         """Gives the members that were called or signalled, with how often."""
