@@ -21,7 +21,8 @@ INSTALLED = ('autopkgtest', 'dbus', 'dpkg-dev', 'libgbinder1', 'libpackagekitqt5
 
 # Before each script. "lists DIR..." shows all that is there, with owners, modes and contents.
 PROLOGUE = r'''
-set -eu
+set -Eeu
+trap 'echo "ended with $?: $BASH_COMMAND"' ERR
 export DEBIAN_FRONTEND=noninteractive
 package() {
     echo "/packages/$1"_*_"$(dpkg --print-architecture)".deb

@@ -77,18 +77,29 @@ class Upgrade(debianhandset.HandsetTest):
     # dpkg ends wherever it is; the next command brings the package to a good end.
     def testAnInstallThatIsKilledIsFinishedLater(self):
         self.assertEqual(self.on_handset(r'''
+            # Once it has said so many lines. What is killed dies a little later, and holds dpkg's
+            # locks until then: the last of it closes the pipe.
+            install_killed_after_lines() {
+                setsid dpkg --status-fd 1 --install "$2" >/tmp/progress 2>&1 &
+                disown
+                { for _ in $(seq "$1"); do read -r _ || :; done
+                  kill -KILL -- -$! || :
+                  cat; } </tmp/progress >/dev/null 2>&1
+            }
             install_lumd
             echo entry >/usr/share/applications/lumd_launcher_a-b.desktop
             make_newer
-            for pause in 0.01 0.02 0.04 0.06 0.08 0.1 0.13 0.16 0.2 0.25 0.3 0.4; do
-                for package in /tmp/newer.deb "$lumd"; do
-                    (timeout --signal=KILL "$pause" dpkg --install "$package" || :) >/dev/null 2>&1
-                    dpkg-query --showformat '${db:Status-Abbrev}\n' --show lumd >>/tmp/states
-                    dpkg --configure --pending >/dev/null 2>&1 || :
-                    dpkg --install "$package" >/dev/null 2>&1
-                    dpkg --audit
-                    dpkg --verify lumd
-                done
+            lines=$(dpkg --status-fd 1 --install /tmp/newer.deb 2>&1 | wc -l)
+            next=$lumd other=/tmp/newer.deb
+            mkfifo /tmp/progress
+            for line in $(seq "$lines"); do
+                install_killed_after_lines "$line" "$next"
+                dpkg-query --showformat '${db:Status-Abbrev}\n' --show lumd >>/tmp/states
+                dpkg --configure --pending >/dev/null 2>&1 || :
+                dpkg --install "$next" >/tmp/said 2>&1 || { cat /tmp/said; exit 1; }
+                dpkg --audit
+                dpkg --verify lumd
+                passing=$next next=$other other=$passing
             done
             cat /usr/share/applications/lumd_launcher_a-b.desktop
             # Some were caught at work.
