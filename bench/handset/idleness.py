@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: BSD-3-Clause
-"""Who runs while nothing is to be done, and who woke it."""
+"""Who runs in a while, and who woke it."""
 
 import collections
 import re
@@ -7,28 +7,28 @@ import time
 
 TRACE = "/sys/kernel/tracing"
 MONITOR = "bus-in-idleness.service"
-MONITOR_LOG = "/run/bench/bus-in-idleness"
+MONITOR_LOG = "/run/bus-in-idleness"
 WAKING = re.compile(r"^\s*(?P<waker>\S+)-\d+\s.* sched_waking: comm=.+ pid=(?P<tid>\d+) ")
 
 
 class Idleness:
-    """Watches processes for a while."""
+    """Watches processes on a handset."""
 
     def __init__(self, handset):
         self.device = handset
         self.machine = handset.machine
 
-    def watch(self, processes, seconds):
+    def watch(self, processes, meanwhile):
         """Gives how often each process gave up the processor, by thread, and who had woken it.
 
-        processes is name to process number. The kernel's own record of who wakes whom is what
-        tells, so that watching wakes nobody.
+        processes is name to process number; meanwhile is called as soon as nobody runs any more.
+        The kernel's own record of who wakes whom is what tells, so that watching wakes nobody.
         """
         self.start_monitor()
         before = self.settle(processes)
         tids = sorted(tid for threads in before.values() for tid in threads)
         self.start_trace(tids)
-        time.sleep(seconds)
+        meanwhile()
         after = {name: self.threads(pid) for name, pid in processes.items()}
         wakers = self.stop_trace()
         bus = self.stop_monitor()

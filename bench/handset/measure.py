@@ -6,6 +6,7 @@ import pathlib
 import statistics
 import subprocess
 import sys
+import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 sys.path.insert(0, str(ROOT / "handset"))
@@ -80,7 +81,7 @@ class Measurement:
         self.device.wait(lambda: not self.device.owner("org.freedesktop.timedate1"),
                          "timedated has gone")
         processes = {"lumd": self.device.owner(), "bare": self.device.owner(BARE)}
-        return Idleness(self.device).watch(processes, IDLE_SECONDS)
+        return Idleness(self.device).watch(processes, lambda: time.sleep(IDLE_SECONDS))
 
     def answers(self):
         """The longest answers at rest, and while something keeps lumd waiting."""
