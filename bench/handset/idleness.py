@@ -97,7 +97,7 @@ class Idleness:
     def start_monitor(self):
         """Writes down what is said on the system bus meanwhile."""
         self.machine.shell(
-            f"systemd-run --quiet --collect --unit={MONITOR} sh -c "
+            f"rm -f {MONITOR_LOG}; systemd-run --quiet --collect --unit={MONITOR} sh -c "
             f"'exec busctl --json=short monitor >> {MONITOR_LOG}'")
         # It says nothing when it listens, but writes down calls, too.
         self.device.wait(lambda: self.machine.shell(

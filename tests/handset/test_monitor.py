@@ -31,7 +31,8 @@ class Monitor(AppScenario):
     def setUp(self):
         super().setUp()
         self.device.machine.run(
-            "systemd-run", "--quiet", "--collect", f"--unit={LISTENER}",
+            # It is executed then, and what an earlier one heard is gone.
+            "systemd-run", "--quiet", "--collect", "--service-type=exec", f"--unit={LISTENER}",
             f"--property=StandardOutput=truncate:{HEARD}",
             "busctl", "monitor", "--json=short", f"--match=path='{OBJECT}'")
         self.addCleanup(self.device.stop, LISTENER)
