@@ -140,7 +140,7 @@ QString AlienBinderParcel::readString()
 {
     if (!hasData())
         return {};
-    gsize length = 0;
+    gsize length{};
     const gunichar2 *units = gbinder_reader_read_string16_utf16(m_reader, &length);
     return fromUtf16(units, static_cast<int>(length));
 }
@@ -161,7 +161,7 @@ QByteArray AlienBinderParcel::readByteArray()
 {
     if (!hasData())
         return {};
-    gsize size = 0;
+    gsize size{};
     const void *bytes = gbinder_reader_read_byte_array(m_reader, &size);
     QByteArray value(static_cast<const char *>(bytes), static_cast<int>(size));
     qCDebug(parcelLog) << "ByteArray size read: " << value.size();

@@ -9,7 +9,7 @@ struct AlienBinderTransaction::Call
 {
     AlienBinderTransaction *transaction; // null once the call has been given up
     std::shared_ptr<void> held;
-    gulong id = 0;
+    gulong id{};
 };
 
 AlienBinderTransaction::AlienBinderTransaction(

@@ -25,7 +25,7 @@ using RemoteReply = std::unique_ptr<GBinderRemoteReply, Release<gbinder_remote_r
 
 struct RemoveDeathHandler
 {
-    gulong id = 0;
+    gulong id{};
 
     void operator()(GBinderRemoteObject *object) const
     {

@@ -66,7 +66,7 @@ void AlienTimezoneMonitor::pushTimezone(const char *zone)
     GBinderWriter writer;
     gbinder_local_request_init_writer(request.get(), &writer);
     gbinder_writer_append_string16(&writer, zone);
-    int status = 0;
+    int status{};
     reply.reset(gbinder_client_transact_sync_reply(link, setTimeZoneCode, request.get(), &status));
     if (!reply || status != 0)
         qCWarning(binderLog) << "Failed to set alien timezone:" << status;

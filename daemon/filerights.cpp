@@ -2,6 +2,7 @@
 #include "daemon/filerights.h"
 
 #include <array>
+#include <limits>
 
 #include <grp.h>
 #include <linux/capability.h>
@@ -48,7 +49,7 @@ bool setOwnGroups(const std::vector<gid_t> &groups)
 }
 
 using CapabilitySets = std::array<__user_cap_data_struct, _LINUX_CAPABILITY_U32S_3>;
-constexpr int wordBits = 32;
+constexpr int wordBits = std::numeric_limits<__u32>::digits;
 
 CapabilitySets capabilitySets()
 {
@@ -80,7 +81,7 @@ std::vector<gid_t> listedGroups(const passwd &user)
     getgrouplist(user.pw_name, user.pw_gid, nullptr, &count);
     std::vector<gid_t> groups(static_cast<std::size_t>(count));
     // The list may have become longer in between.
-    if (getgrouplist(user.pw_name, user.pw_gid, groups.data(), &count) < 0)
+    if (getgrouplist(user.pw_name, user.pw_gid, groups.data(), &count) == -1)
         return {};
     groups.resize(static_cast<std::size_t>(count));
     return groups;

@@ -64,9 +64,7 @@ int main(int argc, char *argv[])
     prctl(PR_SET_THP_DISABLE, 1, 0, 0, 0);
 
     // Before anything can open the session bus.
-    const QString busAddress = userBusAddress(*uid);
-    const QByteArray busAddressBytes = busAddress.toUtf8();
-    setenv("DBUS_SESSION_BUS_ADDRESS", busAddressBytes.constData(), 1);
+    qputenv("DBUS_SESSION_BUS_ADDRESS", userBusAddress(*uid).toUtf8());
 
     const QCoreApplication application(argc, argv);
     if (!servesGlib()) {

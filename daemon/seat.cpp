@@ -63,7 +63,7 @@ std::optional<uid_t> waitForActiveSeat()
         return std::nullopt;
     }
 
-    uid_t uid = 0;
+    uid_t uid{};
     while (sd_seat_get_active(seatName, nullptr, &uid) < 0) {
         std::uint64_t deadline = UINT64_MAX;
         sd_login_monitor_get_timeout(monitor.get(), &deadline);

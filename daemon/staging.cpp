@@ -74,7 +74,7 @@ bool copyBytes(const Descriptor &source, const Descriptor &copy, off_t size)
             <= 0)
             return false;
     }
-    char more = 0;
+    char more{};
     return TEMP_FAILURE_RETRY(pread(source.number(), &more, 1, size)) == 0;
 }
 

@@ -7,7 +7,7 @@
 
 bool Utf8::isAscii(std::string_view bytes)
 {
-    std::uint64_t word = 0;
+    std::uint64_t word{};
     std::uint64_t seen = 0;
     while (bytes.size() >= sizeof(word)) {
         std::memcpy(&word, bytes.data(), sizeof(word));

@@ -49,7 +49,7 @@ bool takeGroupsOf(uid_t uid)
 
 int runLauncher()
 {
-    uid_t uid = 0;
+    uid_t uid{};
     if (sd_seat_get_active(seatName, nullptr, &uid) >= 0
         && (!takeGroupsOf(uid) || setuid(uid) != 0)) {
         std::fprintf(stderr, "Could not setuid to logged-in user");
@@ -62,8 +62,8 @@ int runLauncher()
 
 int waitForLauncher(pid_t launcher)
 {
-    int status = 0;
-    if (waitpid(launcher, &status, 0) < 0) {
+    int status{};
+    if (waitpid(launcher, &status, 0) == -1) {
         std::fprintf(
             stderr, "Could not install ACL package: %s (%s)\n", package, std::strerror(errno));
         return failed;

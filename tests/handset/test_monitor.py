@@ -126,7 +126,7 @@ class Monitor(AppScenario):
         self.device.wait(lambda: self.properties()["Ready"], "lumd is ready")
         self.assertEqual(self.properties()["RuntimeState"], "active")
         self.device.stop(device.RUNTIME)
-        self.device.wait(lambda: self.values("RuntimeState")[-1] == "inactive",
+        self.device.wait(lambda: self.values("RuntimeState")[-1:] == ["inactive"],
                          "lumd sees the runtime down")
         self.assertEqual(self.values("RuntimeState"),
                          ["activating", "active", "deactivating", "inactive"])
