@@ -57,7 +57,7 @@ std::optional<QByteArray> readOpenFile(int descriptor)
 QByteArray encoded(const QString &path)
 {
     QByteArray bytes(path.size(), Qt::Uninitialized);
-    ushort seen = 0;
+    ushort seen{};
     std::transform(path.begin(), path.end(), bytes.begin(), [&seen](QChar character) {
         seen |= character.unicode();
         return static_cast<char>(character.unicode());
@@ -140,7 +140,6 @@ QStringList listFiles(QLatin1String folder, QLatin1String prefix, QLatin1String 
         [](const Found &left, const Found &right) { return left.sortKey < right.sortKey; });
 
     QStringList paths;
-    paths.reserve(static_cast<int>(all.size()));
     for (const Found &each : all)
         paths.append(each.path);
     return paths;

@@ -18,7 +18,7 @@ void appendString(QByteArray &json, const QString &text)
     char *end = json.data() + start;
     *end++ = '"';
     // No wider or narrower than a character, or the compiler takes them one by one.
-    ushort needsEscapes = 0;
+    ushort needsEscapes{};
     for (const QChar character : text) {
         const ushort unit = character.unicode();
         needsEscapes |= unit < ' ' || unit > '~' || unit == '"' || unit == '\\' ? 1 : 0;

@@ -1,21 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "launcher/utf8.h"
 
-#include <algorithm>
-#include <cstdint>
-#include <cstring>
-
 bool Utf8::isAscii(std::string_view bytes)
 {
-    std::uint64_t word{};
-    std::uint64_t seen = 0;
-    while (bytes.size() >= sizeof(word)) {
-        std::memcpy(&word, bytes.data(), sizeof(word));
-        seen |= word;
-        bytes.remove_prefix(sizeof(word));
-    }
-    return (seen & 0x8080808080808080U) == 0
-        && std::none_of(bytes.begin(), bytes.end(), [](char byte) { return (byte & 0x80) != 0; });
+    unsigned char seen{};
+    for (const char byte : bytes)
+        seen |= static_cast<unsigned char>(byte);
+    return seen < 0x80;
 }
 
 std::string Utf8::sortKey(std::string_view bytes)
