@@ -19,8 +19,9 @@ class Idle(Scenario):
         lumd = Idleness(self.device).watch(
             {"lumd": pid}, lambda: self.device.call("isRunning"))["lumd"]
 
-        self.assertEqual(lumd["bus"]["isRunning"], 1)
-        [(bus_thread, bus_wakers)] = [item for item in lumd["wakers"].items() if item[0] != pid]
-        self.assertEqual(set(bus_wakers), {"dbus-daemon", "lumd"})
+        [bus_thread] = set(lumd["wakers"]) - {pid}
         self.assertEqual(set(lumd["wakers"][pid]), {"QDBusConnection"})
-        self.assertEqual(set(lumd["threads"]), {f"lumd ({pid})", f"QDBusConnection ({bus_thread})"})
+        # lumd wakes it to send the answer, unless it is still awake.
+        self.assertEqual(set(lumd["wakers"][bus_thread]) - {"lumd"}, {"dbus-daemon"})
+        self.assertLessEqual(set(lumd["threads"]),
+                             {f"lumd ({pid})", f"QDBusConnection ({bus_thread})"})
