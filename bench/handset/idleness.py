@@ -96,9 +96,12 @@ class Idleness:
 
     def start_monitor(self):
         """Writes down what is said on the system bus meanwhile."""
-        self.machine.shell(
-            f"rm -f {MONITOR_LOG}; systemd-run --quiet --collect --unit={MONITOR} sh -c "
-            f"'exec busctl --json=short monitor >> {MONITOR_LOG}'")
+        # A watch that was cut short has left its own.
+        self.machine.shell(f"""
+            systemctl stop {MONITOR} 2>/dev/null
+            rm -f {MONITOR_LOG}
+            systemd-run --quiet --collect --unit={MONITOR} sh -c \
+                'exec busctl --json=short monitor >> {MONITOR_LOG}'""")
         # It says nothing when it listens, but writes down calls, too.
         self.device.wait(lambda: self.machine.shell(
             "busctl call org.freedesktop.DBus / org.freedesktop.DBus.Peer Ping; "
